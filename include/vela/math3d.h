@@ -1,0 +1,44 @@
+/* Array dot products, norms, statistics, 3-vectors. */
+#ifndef VELA_MATH3D_H
+#define VELA_MATH3D_H
+
+#include <vela/base.h>
+
+#if defined(__cplusplus)
+extern "C" {
+#endif
+
+#define VELA_SUBTABLE Vcb3DMathArrays
+#define VELA_SUBTABLE_LIST "vela/slots/math3d_arrays.def"
+#define VELA_SUBTABLE_SLOTS 30
+#include <vela/detail/subtable.h>
+
+#define VELA_SUBTABLE Vcb3DMathIdentity
+#define VELA_SUBTABLE_LIST "vela/slots/math3d_identity.def"
+#define VELA_SUBTABLE_SLOTS 5
+#include <vela/detail/subtable.h>
+
+#define VELA_SUBTABLE Vcb3DMathCross
+#define VELA_SUBTABLE_LIST "vela/slots/math3d_cross.def"
+#define VELA_SUBTABLE_SLOTS 1
+#include <vela/detail/subtable.h>
+
+/* Kernel table set of VCB_Reg3DMath. Null sub-tables are skipped. */
+typedef struct Vcb3DMathTables {
+    Vcb3DMathArrays *arrays;     /* array reductions, statistics, 3-vector operations */
+    Vcb3DMathIdentity *identity; /* 4x4 identity */
+    Vcb3DMathCross *cross;       /* 3-vector cross product */
+} Vcb3DMathTables;
+
+VCB_STATIC_ASSERT(offsetof(Vcb3DMathTables, arrays) == 0 * sizeof(void *), "table set position of arrays");
+VCB_STATIC_ASSERT(offsetof(Vcb3DMathTables, identity) == 1 * sizeof(void *), "table set position of identity");
+VCB_STATIC_ASSERT(offsetof(Vcb3DMathTables, cross) == 2 * sizeof(void *), "table set position of cross");
+
+/* Fills the empty slots of a kernel table set. A null set is ignored. */
+VCB_API void VCB_CALL VCB_Reg3DMath(Vcb3DMathTables *tables) VCB_NOEXCEPT;
+
+#if defined(__cplusplus)
+}
+#endif
+
+#endif
