@@ -6,6 +6,14 @@
 
 namespace {
 
+// The word at an address of any alignment.
+inline uint16_t loadWord(const void *from)
+{
+    uint16_t word;
+    memcpy(&word, from, sizeof(word));
+    return word;
+}
+
 // Copies a few bytes without a call.
 inline void copyFewBytes(uint8_t *to, const uint8_t *from, ptrdiff_t bytes)
 {
@@ -15,10 +23,18 @@ inline void copyFewBytes(uint8_t *to, const uint8_t *from, ptrdiff_t bytes)
         if (!(bytes & piece))
             continue;
         switch (piece) {
-        case 8: memcpy(to, from, 8); break;
-        case 4: memcpy(to, from, 4); break;
-        case 2: memcpy(to, from, 2); break;
-        default: *to = *from; break;
+        case 8:
+            memcpy(to, from, 8);
+            break;
+        case 4:
+            memcpy(to, from, 4);
+            break;
+        case 2:
+            memcpy(to, from, 2);
+            break;
+        default:
+            *to = *from;
+            break;
         }
         to += piece;
         from += piece;

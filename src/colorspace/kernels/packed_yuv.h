@@ -128,8 +128,7 @@ inline void packPlanar16(uint8_t *dst, const uint16_t *srcY, const uint16_t *src
         Out<4>{dst}, In<4>{srcY}, In<2>{srcU}, In<2>{srcV});
 }
 
-void PackPlanar16ToYuyv8(uint8_t *dst, const uint16_t *srcY, const uint16_t *srcU, const uint16_t *srcV,
-                         uint32_t width)
+void PackPlanar16ToYuyv8(uint8_t *dst, const uint16_t *srcY, const uint16_t *srcU, const uint16_t *srcV, uint32_t width)
 {
     const ptrdiff_t packed = (ptrdiff_t)(width & ~3u);
     packPlanar16(dst, srcY, srcU, srcV, packed / 2,
@@ -137,10 +136,10 @@ void PackPlanar16ToYuyv8(uint8_t *dst, const uint16_t *srcY, const uint16_t *src
     if (width & 2) {
         // Hosts know this pair by its place: it has always been spread over eight bytes.
         uint8_t *pair = dst + packed * 2;
-        pair[0] = (uint8_t)(srcY[packed] >> 8);
-        pair[2] = (uint8_t)(srcU[packed / 2] >> 8);
-        pair[4] = (uint8_t)(srcY[packed + 1] >> 8);
-        pair[6] = (uint8_t)(srcV[packed / 2] >> 8);
+        pair[0] = (uint8_t)(loadWord(srcY + packed) >> 8);
+        pair[2] = (uint8_t)(loadWord(srcU + packed / 2) >> 8);
+        pair[4] = (uint8_t)(loadWord(srcY + packed + 1) >> 8);
+        pair[6] = (uint8_t)(loadWord(srcV + packed / 2) >> 8);
     }
 }
 

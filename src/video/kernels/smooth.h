@@ -96,12 +96,11 @@ void SmoothHoriz121Rgb32(uint8_t *dst, const uint8_t *src, int32_t count)
     };
     const ptrdiff_t last = ((ptrdiff_t)count - 1) * 4;
     edge(dst, src, count > 1 ? src + 4 : src);
-    forBlocks<u32s::lanes>(
-        (ptrdiff_t)count - 2,
-        [](uint8_t *out, const uint8_t *in) {
-            store(out, average(average(load<u8s>(in - 4), load<u8s>(in + 4)), load<u8s>(in)));
-        },
-        Out<4>{dst + 4}, In<4, 4, 4>{src + 4});
+    forBlocks<u32s::lanes>((ptrdiff_t)count - 2,
+                           [](uint8_t *out, const uint8_t *in) {
+                               store(out, average(average(load<u8s>(in - 4), load<u8s>(in + 4)), load<u8s>(in)));
+                           },
+                           Out<4>{dst + 4}, In<4, 4, 4>{src + 4});
     if (last)
         edge(dst + last, src + last, src + last - 4);
 }
