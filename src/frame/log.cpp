@@ -79,11 +79,16 @@ void appendStamped(platform::AppendFile &file, std::wstring_view before, std::ws
 std::wstring_view tagOf(int32_t level) noexcept
 {
     switch (level) {
-    case VCB_LOG_MESSAGE: return L"<Message>    ";
-    case VCB_LOG_WARNING: return L"<Warning>    ";
-    case VCB_LOG_ERROR: return L"<Error!!>    ";
-    case VCB_LOG_CRASH: return L"<!!Crash>    ";
-    default: return L"<Unknown>    ";
+    case VCB_LOG_MESSAGE:
+        return L"<Message>    ";
+    case VCB_LOG_WARNING:
+        return L"<Warning>    ";
+    case VCB_LOG_ERROR:
+        return L"<Error!!>    ";
+    case VCB_LOG_CRASH:
+        return L"<!!Crash>    ";
+    default:
+        return L"<Unknown>    ";
     }
 }
 
