@@ -9,9 +9,11 @@ if(WIN32)
     list(APPEND VELA_TIER_FLAGS_AVX -Wa,-muse-unaligned-vector-move)
     list(APPEND VELA_TIER_FLAGS_AVX2 -Wa,-muse-unaligned-vector-move)
 endif()
+# A tier's table names the kernels that the tier has; the other slots are null.
+set(VELA_TIER_FLAGS_COMMON -Wno-missing-field-initializers)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Every slot has an address of its own, even where two kernels come out the same.
-    set(VELA_TIER_FLAGS_COMMON -fno-ipa-icf)
+    list(APPEND VELA_TIER_FLAGS_COMMON -fno-ipa-icf)
 endif()
 
 # vela_tier_sources(TARGET TIER source...): adds sources with the flags of their tier.

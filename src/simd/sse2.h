@@ -1,0 +1,121 @@
+// The vector vocabulary on SSE2: 128-bit registers. A kernel text spells these names and never a width.
+//
+// Vectors hold elements in memory order: lane 0 is the element at the lowest address.
+#pragma once
+
+#include <emmintrin.h>
+#include <stddef.h>
+#include <stdint.h>
+#include <string.h>
+
+namespace {
+
+// One register each: 8-bit, 16-bit and 32-bit unsigned lanes.
+struct u8s {
+    static constexpr int lanes = 16;
+    __m128i v;
+};
+struct u16s {
+    static constexpr int lanes = 8;
+    __m128i v;
+};
+struct u32s {
+    static constexpr int lanes = 4;
+    __m128i v;
+};
+
+// Signed 16-bit values for every byte of a u8s, in an order of the instruction set's own; narrow() restores the
+// bytes' order.
+struct WideBytes {
+    __m128i first;
+    __m128i second;
+};
+
+template <class Vector> inline Vector load(const void *from) { return {_mm_loadu_si128((const __m128i *)from)}; }
+template <class Vector> inline void store(void *to, Vector x) { _mm_storeu_si128((__m128i *)to, x.v); }
+
+// The same bits under another type.
+template <class To, class From> inline To as(From x) { return {x.v}; }
+
+inline u8s splat8(uint8_t x) { return {_mm_set1_epi8((char)x)}; }
+inline u16s splat16(uint16_t x) { return {_mm_set1_epi16((short)x)}; }
+inline u32s splat32(uint32_t x) { return {_mm_set1_epi32((int)x)}; }
+
+template <class Vector> inline Vector operator&(Vector a, Vector b) { return {_mm_and_si128(a.v, b.v)}; }
+template <class Vector> inline Vector operator|(Vector a, Vector b) { return {_mm_or_si128(a.v, b.v)}; }
+
+// Where mask's bits are set a, elsewhere b.
+template <class Vector> inline Vector select(Vector mask, Vector a, Vector b)
+{
+    return {_mm_or_si128(_mm_and_si128(mask.v, a.v), _mm_andnot_si128(mask.v, b.v))};
+}
+
+inline u16s operator+(u16s a, u16s b) { return {_mm_add_epi16(a.v, b.v)}; }
+template <int bits> inline u16s shiftLeft(u16s a) { return {_mm_slli_epi16(a.v, bits)}; }
+template <int bits> inline u16s shiftRight(u16s a) { return {_mm_srli_epi16(a.v, bits)}; }
+template <int bits> inline u32s shiftLeft(u32s a) { return {_mm_slli_epi32(a.v, bits)}; }
+template <int bits> inline u32s shiftRight(u32s a) { return {_mm_srli_epi32(a.v, bits)}; }
+
+// (a + b + 1) >> 1
+inline u8s average(u8s a, u8s b) { return {_mm_avg_epu8(a.v, b.v)}; }
+
+// a0 b0 a1 b1 ...: the first and the second half of the interleaved sequence.
+inline u16s interleaveLow(u16s a, u16s b) { return {_mm_unpacklo_epi16(a.v, b.v)}; }
+inline u16s interleaveHigh(u16s a, u16s b) { return {_mm_unpackhi_epi16(a.v, b.v)}; }
+inline u32s interleaveLow(u32s a, u32s b) { return {_mm_unpacklo_epi32(a.v, b.v)}; }
+inline u32s interleaveHigh(u32s a, u32s b) { return {_mm_unpackhi_epi32(a.v, b.v)}; }
+
+// The even and the odd lanes of a followed by b.
+inline u32s evens(u32s a, u32s b)
+{
+    return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v), _MM_SHUFFLE(2, 0, 2, 0)))};
+}
+inline u32s odds(u32s a, u32s b)
+{
+    return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v), _MM_SHUFFLE(3, 1, 3, 1)))};
+}
+
+// The lower and the upper half of x, zero-extended.
+inline u16s widenLow(u8s x) { return {_mm_unpacklo_epi8(x.v, _mm_setzero_si128())}; }
+inline u16s widenHigh(u8s x) { return {_mm_unpackhi_epi8(x.v, _mm_setzero_si128())}; }
+
+// low then high, limited to 255. Lanes are at most 32767.
+inline u8s narrow(u16s low, u16s high) { return {_mm_packus_epi16(low.v, high.v)}; }
+
+// weightA*a + weightB*b per byte; the sum must fit 16 bits.
+template <int8_t weightA, int8_t weightB> inline WideBytes weightedSum(u8s a, u8s b)
+{
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i wa = _mm_set1_epi16(weightA);
+    const __m128i wb = _mm_set1_epi16(weightB);
+    return {_mm_add_epi16(_mm_mullo_epi16(_mm_unpacklo_epi8(a.v, zero), wa),
+                          _mm_mullo_epi16(_mm_unpacklo_epi8(b.v, zero), wb)),
+            _mm_add_epi16(_mm_mullo_epi16(_mm_unpackhi_epi8(a.v, zero), wa),
+                          _mm_mullo_epi16(_mm_unpackhi_epi8(b.v, zero), wb))};
+}
+
+// (x + rounding) >> bits, arithmetic.
+template <int bits> inline WideBytes shiftRightRounded(WideBytes x)
+{
+    const __m128i rounding = _mm_set1_epi16(1 << (bits - 1));
+    return {_mm_srai_epi16(_mm_add_epi16(x.first, rounding), bits),
+            _mm_srai_epi16(_mm_add_epi16(x.second, rounding), bits)};
+}
+
+// Limited to 0..255, in the order of the bytes that x came from.
+inline u8s narrow(WideBytes x) { return {_mm_packus_epi16(x.first, x.second)}; }
+
+// One 3-byte pixel per lane, its top byte 0. Reads 3 bytes a lane, no more.
+//   bytes 0-7   p0 p0 p0 p1 p1 p1 ..             as is
+//   bytes 4-11  .. .. p2 p2 p2 p3 p3 p3          shifted down by two bytes
+inline u32s loadPixels24(const uint8_t *from)
+{
+    const __m128i low = _mm_loadl_epi64((const __m128i *)from);
+    const __m128i high = _mm_srli_epi64(_mm_loadl_epi64((const __m128i *)(from + 4)), 16);
+    const __m128i pairs = _mm_unpacklo_epi64(low, high);
+    const __m128i first = _mm_and_si128(pairs, _mm_set1_epi64x(0x0000000000FFFFFF));
+    const __m128i second = _mm_and_si128(_mm_slli_epi64(pairs, 8), _mm_set1_epi64x(0x00FFFFFF00000000));
+    return {_mm_or_si128(first, second)};
+}
+
+} // namespace

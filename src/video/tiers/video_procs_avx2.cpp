@@ -1,0 +1,11 @@
+#include "simd/avx2.h"
+
+#include "simd/loops.h"
+
+#include "video/kernels/sharpen.h"
+
+#include "video/tiers.hpp"
+
+extern constinit const VcbVideoProcs vela::videoProcsAvx2 = {
+    .SharpenU8 = SharpenU8,
+};
