@@ -16,8 +16,7 @@ namespace {
 
 constexpr const char *description = "vela: a command-line host of the VelaCPUBase kernels.";
 
-constexpr const char *footer = R"(
-Examples:
+constexpr const char *footer = R"(Examples:
   vela info                                what this processor gets from the library
   vela info --slots video                  every kernel of a family, and the tier that runs
   vela enhance photo.bmp out               smoothed, sharpened and 4:2:2 copies in directory out
