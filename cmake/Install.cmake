@@ -12,7 +12,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/vela TYPE INCLUDE COMPONENT deve
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VelaCPUBase)
 install(EXPORT VelaCPUBaseTargets NAMESPACE VelaCPUBase:: DESTINATION ${package_dir} COMPONENT development)
 file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/VelaCPUBaseConfig.cmake
-    CONTENT "include(\"\${CMAKE_CURRENT_LIST_DIR}/VelaCPUBaseTargets.cmake\")\n")
+    CONTENT "include(\"\${CMAKE_CURRENT_LIST_DIR}/VelaCPUBaseTargets.cmake\")\n" @ONLY)
 # Before 1.0 a minor version may change the interface.
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/VelaCPUBaseConfigVersion.cmake
     COMPATIBILITY SameMinorVersion)

@@ -10,9 +10,9 @@ headers=(vela/*.h)
 
 failed=0
 for header in "${headers[@]}"; do
-    echo "#include <$header>" | "$cc" -x c -std=c11 "${flags[@]}" - || { echo "$header: not C11"; failed=1; }
+    printf '#include <%s>\nint notEmpty;\n' "$header" | "$cc" -x c -std=c11 "${flags[@]}" - || { echo "$header: not C11"; failed=1; }
 done
 for header in "${headers[@]}" vela/vela.hpp; do
-    echo "#include <$header>" | "$cxx" -x c++ -std=c++20 "${flags[@]}" - || { echo "$header: not C++20"; failed=1; }
+    printf '#include <%s>\n' "$header" | "$cxx" -x c++ -std=c++20 "${flags[@]}" - || { echo "$header: not C++20"; failed=1; }
 done
 exit $failed

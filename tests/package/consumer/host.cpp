@@ -4,8 +4,8 @@
 int main()
 {
     const vela::VideoProcs procs;
-    const std::uint8_t row[] = {100, 100, 200}, blurred[] = {100, 110, 180};
-    std::uint8_t sharp[3] = {};
+    const uint8_t row[] = {100, 100, 200}, blurred[] = {100, 110, 180};
+    uint8_t sharp[3] = {};
 
     procs.video.SharpenU8(sharp, row, blurred, 3);
     std::printf("processor level %d, %d worker threads\n", VCB_GetCPUInsHigh(), g_TesselConf.NumberOfThreads);
