@@ -37,6 +37,15 @@ int complain(const std::string &message, ExitStatus status)
     return status;
 }
 
+// An unknown subcommand is told by its name rather than by its absence.
+std::string usageProblem(const CLI::App &app, const CLI::ParseError &error)
+{
+    const std::vector<std::string> unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty())
+        return "'" + unknown.front() + "' is neither a subcommand nor an option";
+    return error.what();
+}
+
 int run(std::vector<std::string> arguments)
 {
     CLI::App app(description, "vela");
@@ -58,7 +67,7 @@ int run(std::vector<std::string> arguments)
     } catch (const CLI::Success &request) { // --help, --version
         return app.exit(request);
     } catch (const CLI::ParseError &error) {
-        return complain(std::string(error.what()) + " (try 'vela --help')", exitUsage);
+        return complain(usageProblem(app, error) + " (try 'vela --help')", exitUsage);
     } catch (const UsageError &error) {
         return complain(error.what(), exitUsage);
     } catch (const std::bad_alloc &) {
