@@ -136,6 +136,7 @@ void addInfoCommand(CLI::App &app, Session &session)
     command->add_option("--slots", options->slotsOf, "List the slots of one family: " + joined(familyIds()))
         ->type_name("FAMILY");
     command->add_flag("-v,--verbose", options->verbose, "With --slots: show signatures too");
+    command->footer("Examples:\n  vela info\n  vela info --slots colorspace --verbose");
     command->callback([options, &session] { runInfo(*options, session); });
 }
 

@@ -16,8 +16,7 @@ namespace {
 
 constexpr const char *description = "vela: a command-line host of the VelaCPUBase kernels.";
 
-constexpr const char *footer = R"(
-Examples:
+constexpr const char *footer = R"(Examples:
   vela info                                what this processor gets from the library
   vela info --slots video                  every kernel of a family, and the tier that runs
   vela enhance photo.bmp out               smoothed, sharpened and 4:2:2 copies in directory out
@@ -36,6 +35,15 @@ int complain(const std::string &message, ExitStatus status)
     std::cout.flush();
     std::cerr << "vela: " << message << '\n';
     return status;
+}
+
+// An unknown subcommand is told by its name rather than by its absence.
+std::string usageProblem(const CLI::App &app, const CLI::ParseError &error)
+{
+    const std::vector<std::string> unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty())
+        return "'" + unknown.front() + "' is neither a subcommand nor an option";
+    return error.what();
 }
 
 int run(std::vector<std::string> arguments)
@@ -59,7 +67,7 @@ int run(std::vector<std::string> arguments)
     } catch (const CLI::Success &request) { // --help, --version
         return app.exit(request);
     } catch (const CLI::ParseError &error) {
-        return complain(std::string(error.what()) + " (try 'vela --help')", exitUsage);
+        return complain(usageProblem(app, error) + " (try 'vela --help')", exitUsage);
     } catch (const UsageError &error) {
         return complain(error.what(), exitUsage);
     } catch (const std::bad_alloc &) {

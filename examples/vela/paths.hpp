@@ -19,6 +19,9 @@ inline std::string utf8(const std::filesystem::path &path)
 }
 
 // 'name', as messages show it.
-inline std::string quoted(const std::filesystem::path &path) { return "'" + utf8(path) + "'"; }
+inline std::string quoted(const std::filesystem::path &path)
+{
+    return std::string(1, '\'').append(utf8(path)).append(1, '\'');
+}
 
 } // namespace host
