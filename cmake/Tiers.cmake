@@ -9,13 +9,28 @@ if(WIN32)
     list(APPEND VELA_TIER_FLAGS_AVX -Wa,-muse-unaligned-vector-move)
     list(APPEND VELA_TIER_FLAGS_AVX2 -Wa,-muse-unaligned-vector-move)
 endif()
+# Link-time optimisation would take a tier's code apart before it can be checked.
+set(VELA_TIER_FLAGS_COMMON -fno-lto)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Every slot has an address of its own, even where two kernels come out the same.
-    set(VELA_TIER_FLAGS_COMMON -fno-ipa-icf)
+    list(APPEND VELA_TIER_FLAGS_COMMON -fno-ipa-icf)
 endif()
 
 # vela_tier_sources(TARGET TIER source...): adds sources with the flags of their tier.
 function(vela_tier_sources target tier)
     target_sources(${target} PRIVATE ${ARGN})
     set_property(SOURCE ${ARGN} APPEND PROPERTY COMPILE_OPTIONS ${VELA_TIER_FLAGS_COMMON} ${VELA_TIER_FLAGS_${tier}})
+endfunction()
+
+# vela_check_tiers(LIBRARY OBJECTS): linking the library fails unless the objects of the target OBJECTS are fit for
+# their tiers. Sanitizers and coverage add symbols and initialisers of their own, so there nothing is checked.
+function(vela_check_tiers library objects)
+    if(VELA_INSTRUMENTED)
+        message(STATUS "Instrumented build: tier objects are not checked")
+        return()
+    endif()
+    add_custom_command(TARGET ${library} PRE_LINK
+        COMMAND sh ${PROJECT_SOURCE_DIR}/cmake/check-tier-objects ${CMAKE_NM} ${CMAKE_OBJDUMP}
+            $<TARGET_OBJECTS:${objects}>
+        COMMENT "Checking tier objects" COMMAND_EXPAND_LISTS VERBATIM)
 endfunction()

@@ -112,7 +112,8 @@ VCB_API int32_t VCB_CALL VCB_HasNullPointer(const void *const *pointers, int32_t
  * whatever the buffer holds as padding; and a 24-bit image whose stride is less than (3 * width) mod 4, such as
  * any negative stride, is written without padding.
  * Returns 1 if written, 0 if the file could not be opened. Also 0, with no file touched: a null path or pixels,
- * bits per pixel or width below 0, an image of 4 GiB or more. A height or row of 0 writes headers alone.
+ * bits per pixel below 0 or above 65535, a width below 0, a file of 4 GiB or more. A height or row of 0 writes
+ * headers alone.
  * A stride of 0 repeats one row. Nothing beyond the buffer (height rows of |stride| bytes) is read: if |stride| is
  * shorter than a row, bytes past its end are written as '0'. Write errors are not reported.
  */
@@ -127,7 +128,8 @@ VCB_API int32_t VCB_CALL VCB_WriteBMP(const wchar_t *path, const void *pixels, i
  * Returns 1 if the header was read, 0 if the file could not be opened or is shorter than its headers (out values
  * are then untouched). Call once without pixels to learn the size. A row of the buffer receives at most |stride|
  * bytes, and at most height rows are written; a height of 0 or less (top-down files), a stride of 0, or a row
- * length beyond 2^31 - 1 reads no pixels. A file that ends early leaves the rest of the buffer as it was.
+ * length that is not between 1 and 2^31 - 1 reads no pixels. A file that ends early leaves the rest of the buffer
+ * as it was.
  */
 VCB_API int32_t VCB_CALL VCB_ReadBMP(const wchar_t *path, void *pixels, int64_t stride, int32_t *bitsPerPixel,
                                      int32_t *width, int32_t *height, uint8_t flip) VCB_NOEXCEPT;
@@ -149,9 +151,9 @@ typedef enum VcbDpxFormat {
  * (RGBA, ABGR, in 32-bit arithmetic); end-of-line padding is skipped, 0xFFFFFFFF meaning none.
  * Returns 1 if the header was read, 0 if the file could not be opened, is shorter than 2080 bytes, or an out
  * pointer is null; width and height are then 0 and the format VCB_DPX_UNSUPPORTED. An unsupported layout gives 1
- * with VCB_DPX_UNSUPPORTED and reads no pixels, as does a row length that is not between 1 and 2^31 - 1 or a
- * stride of 0. A row of the buffer receives at most |stride| bytes. A file that ends early leaves the rest of the
- * buffer as it was.
+ * with VCB_DPX_UNSUPPORTED and reads no pixels; no pixels are read either for a width or height of 0 or less, a row
+ * length that is not between 1 and 2^31 - 1, or a stride of 0. A row of the buffer receives at most |stride| bytes,
+ * and at most height rows are written. A file that ends early leaves the rest of the buffer as it was.
  */
 VCB_API int32_t VCB_CALL VCB_ReadDPX(const wchar_t *path, void *pixels, int64_t stride, int32_t *width, int32_t *height,
                                      int32_t *format, uint8_t flip) VCB_NOEXCEPT;

@@ -1,0 +1,22 @@
+# vela_export(TARGET LIST): the shared library exports the symbols of the list and nothing else.
+function(vela_export target list)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+    file(STRINGS ${list} symbols REGEX "^[A-Za-z]")
+    if(WIN32)
+        list(JOIN symbols "\n    " symbols)
+        set(definitions ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
+        file(CONFIGURE OUTPUT ${definitions} CONTENT "EXPORTS\n    ${symbols}\n")
+        target_sources(${target} PRIVATE ${definitions})
+        return()
+    endif()
+    list(TRANSFORM symbols REPLACE " DATA$" "")
+    list(JOIN symbols ";\n    " symbols)
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+    file(CONFIGURE OUTPUT ${script} CONTENT "{\nglobal:\n    ${symbols};\nlocal:\n    *;\n};\n")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
+    target_link_options(${target} PRIVATE LINKER:--version-script=${script}
+        LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack LINKER:-z,text)
+    if(NOT VELA_INSTRUMENTED) # clang leaves the sanitizer runtime to the program
+        target_link_options(${target} PRIVATE LINKER:--no-undefined)
+    endif()
+endfunction()

@@ -1,0 +1,29 @@
+// Work on the rows of a picture: on several threads, measured, with progress.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace host {
+
+// Calls work(first, end) on disjoint bands of rows that cover [0, height), each on its own thread.
+void overRows(int height, int threads, const std::function<void(int first, int end)> &work);
+
+// A line on the error stream that overwrites itself; nothing unless that stream is a terminal.
+class Progress {
+public:
+    Progress();
+    ~Progress();
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+
+    void show(const std::string &text);
+
+private:
+    bool visible;
+};
+
+// The median time of several runs, in seconds.
+double medianSeconds(int runs, const std::function<void(int run)> &work);
+
+} // namespace host

@@ -1,0 +1,6 @@
+// A sub-table of one kernel.
+#pragma once
+
+struct Table {
+    float (*kernel)(float);
+};
