@@ -14,11 +14,13 @@ namespace vela::test {
 
 class TempDirectory {
 public:
+    // All these paths have the same length.
     TempDirectory()
     {
         std::random_device random;
+        std::uniform_int_distribution<unsigned> tenDigits(1'000'000'000, 4'000'000'000);
         for (int attempt = 0; attempt < 100; ++attempt) {
-            path_ = std::filesystem::temp_directory_path() / ("vela-test-" + std::to_string(random()));
+            path_ = std::filesystem::temp_directory_path() / ("vela-test-" + std::to_string(tenDigits(random)));
             if (std::filesystem::create_directory(path_))
                 return;
         }

@@ -74,16 +74,11 @@ void smoothRows(const Kernels &kernels, Picture &to, const Picture &from, int fi
     }
 }
 
-// Pushes each pixel away from its smoothed copy, several times for more strength.
-void sharpenRows(const Kernels &kernels, Picture &to, const Picture &from, const Picture &smoothed, int strength,
-                 int first, int end)
+// Pushes each pixel away from its smoothed copy. The result may replace the row that it is made from.
+void sharpenRows(const Kernels &kernels, Picture &to, const Picture &from, const Picture &smoothed, int first, int end)
 {
-    const int rowBytes = 4 * from.width();
-    for (int y = first; y < end; ++y) {
-        kernels.video.video.SharpenU8(to.row(y), from.row(y), smoothed.row(y), rowBytes);
-        for (int again = 1; again < strength; ++again)
-            kernels.video.video.SharpenU8(to.row(y), to.row(y), smoothed.row(y), rowBytes);
-    }
+    for (int y = first; y < end; ++y)
+        kernels.video.video.SharpenU8(to.row(y), from.row(y), smoothed.row(y), 4 * from.width());
 }
 
 // One packed 4:2:2 layout: its two kernels.
@@ -244,9 +239,10 @@ private:
     Picture sharpen(const Picture &original, const Picture &smoothed)
     {
         Picture sharp(original.width(), original.height(), 4);
-        report.step("sharpen", {kernels.videoSlot(VcbVideoProcs_SharpenU8)}, 1, [&](int, int first, int end) {
-            sharpenRows(kernels, sharp, original, smoothed, options.strength, first, end);
-        });
+        report.step("sharpen", {kernels.videoSlot(VcbVideoProcs_SharpenU8)}, options.strength,
+                    [&](int pass, int first, int end) {
+                        sharpenRows(kernels, sharp, pass == 0 ? original : sharp, smoothed, first, end);
+                    });
         return sharp;
     }
 

@@ -160,6 +160,16 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
     }
 }
 
+// A slot whose kernels disagree: one tier passes, the other is found out.
+TEST(KernelCheck, FindsTheTierThatDiffers)
+{
+    const VcbKernel tiers[] = {untyped(average), untyped(wrongInOneValue)};
+    std::vector<bool> accepted;
+    for (const VcbKernel kernel : tiers)
+        accepted.push_back(!checkKernel(averageCase(), kernel, untyped(average), {}).finding);
+    EXPECT_EQ(accepted, (std::vector<bool>{true, false}));
+}
+
 // The order of arguments, the seed and the count are in the message, so that a run can be repeated.
 TEST(KernelCheck, RepeatsItselfFromItsSeed)
 {

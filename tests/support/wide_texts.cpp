@@ -4,7 +4,7 @@
 
 #include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/packed_yuv.h"
-#include "video/kernels/sharpen.h"
+#include "video/kernels/sharpen_bytes.h"
 #include "video/kernels/smooth.h"
 
 #include "support/wide_texts.hpp"

@@ -112,7 +112,8 @@ void PackYuvaToYuyv(uint8_t *dst, const uint8_t *src, uint32_t width) { packFrom
 void PackYuvaToUyvy(uint8_t *dst, const uint8_t *src, uint32_t width) { packFromYuva<Uyvy>(dst, src, width); }
 
 // Planar 16-bit 4:2:2 to packed bytes: the top byte of every sample. join(luma, chroma) makes the packed words of
-// the luma words and the interleaved chroma words.
+// the luma words and the interleaved chroma words. Ordinary stores: a row kernel's output is mostly read soon, and
+// streaming it made a 1080p frame about half as fast (Zen 4), for 8 % gained on frames beyond the last cache.
 template <class Join>
 inline void packPlanar16(uint8_t *dst, const uint16_t *srcY, const uint16_t *srcU, const uint16_t *srcV,
                          ptrdiff_t pairs, Join join)
