@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <thread>
 
 #include <sys/stat.h>
@@ -122,7 +123,7 @@ TEST(Posix, AForkedChildEndsWithoutTouchingTheParentsLog)
 {
     const Installation installation;
     installation.switchLogOn();
-    installation.addOldLogs(5000);
+    installation.addOldLogs(1000);
     {
         const Library library = installation.load(); // and pruning begins
         library.writeLog()(0, nullptr, nullptr, L"parent");
@@ -144,9 +145,8 @@ TEST(Posix, ExitClosesTheLogOfAnOrdinaryProcess)
     const Installation installation;
     installation.switchLogOn();
     EXPECT_EQ(runInChild([&] {
-                  static Library library = installation.load();
-                  new Library(installation.library()); // never unloaded by the host
-                  library.writeLog()(0, nullptr, nullptr, L"last words");
+                  static const auto *const library = new Library(installation.library()); // never unloaded by the host
+                  library->writeLog()(0, nullptr, nullptr, L"last words");
                   std::exit(3);
               }),
               3);
@@ -157,7 +157,7 @@ TEST(Posix, ExitClosesTheLogOfAnOrdinaryProcess)
 TEST(Posix, UnloadingDoesNotWaitForPruning)
 {
     const Installation installation;
-    installation.addOldLogs(20000);
+    installation.addOldLogs(4000);
     installation.load();
     EXPECT_GT(installation.oldLogs(), 0u);
 }
@@ -166,7 +166,7 @@ TEST(Posix, BackgroundThreadTakesNoSignals)
 {
     // A signal that every thread of the host blocks stays pending for the process, whoever else runs.
     const Installation installation;
-    installation.addOldLogs(5000);
+    installation.addOldLogs(1000);
     EXPECT_EQ(runInChild([&] {
                   const Library library = installation.load(); // the thread starts with the signal unblocked here
                   sigset_t set;
@@ -191,7 +191,7 @@ TEST(Posix, CharactersThatAreNone)
     }
     const std::u16string shown = u"a\xFFFD\xFFFD\xFFFD\xFFFD"
                                  u"b";
-    EXPECT_EQ(masked(installation.log()), startLine + messageLine(u"<Message>    " + shown + u"            " + shown) +
+    EXPECT_EQ(masked(installation.log()), startLine + messageLine(u"<Message>    " + shown + u"        " + shown) +
                                               messageLine(u"<Message>            before ") + stopLine);
 }
 
