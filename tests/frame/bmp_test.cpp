@@ -133,9 +133,10 @@ TEST(WriteBmp, Refuses)
     EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, 4, 32, 1, 0x40000000, 0), 0);
     EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, 4, 32, 0x10000, 0x4000, 0), 0);
     EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, 4, 65535, wide, 0xFFFFFFFF, 0), 0);
+    EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, 4, 64, 0x40000000, 0x80000000, 0), 0);
     EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, INT64_MIN, 8, wide, 0xFFFFFFFF, 1), 0);
     // 4 GiB with the headers, not without
-    EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, 4, 8, 0x7FFFFFFD, 2, 0), 0);
+    EXPECT_EQ(VCB_WriteBMP(path.c_str(), pixels, 4, 8, 0x7FFFFFFC, 2, 0), 0);
     EXPECT_FALSE(file.exists());
     EXPECT_EQ(VCB_WriteBMP((path + L"-no/such/directory").c_str(), pixels, 4, 32, 1, 1, 0), 0);
 }
@@ -249,19 +250,13 @@ TEST(ReadBmp, NoRowsToRead)
         Header header;
         int64_t stride;
     } cases[] = {
-        {{1, 0, 32, 4}, 4},
-        {{1, 0xFFFFFFFF, 32, 4}, 4},
-        {{1, 0x80000000, 32, 0x80000000}, 4},
-        {{1, 1, 32, 0x80000000}, 4},
-        {{1, 1, 32, 0xFFFFFFFF}, -4},
-        {{0x7FFFFFFF, 1, 32, 0}, 4},
-        {{0x7FFFFFFF, 1, 65535, 0}, 4},
-        {{0x7FFFFFFF, 1, 8, 0}, 4},
-        {{0x80000000, 1, 65535, 0}, 4},
-        {{0xFFFFFFFF, 1, 32, 0}, 4},
-        {{0, 2, 32, 0}, 4},
-        {{1, 2, 7, 0}, 4},
-        {{1, 2, 32, 8}, 0},
+        {{1, 0, 32, 4}, 4},          {{1, 0xFFFFFFFF, 32, 4}, 4},
+        {{1, 0xFFFFFFF0, 32, 4}, 4}, {{1, 0x80000000, 32, 0x80000000}, 4},
+        {{1, 1, 32, 0x80000000}, 4}, {{1, 1, 32, 0xFFFFFFFF}, -4},
+        {{0x7FFFFFFF, 1, 32, 0}, 4}, {{0x7FFFFFFF, 1, 65535, 0}, 4},
+        {{0x7FFFFFFF, 1, 8, 0}, 4},  {{0x80000000, 1, 65535, 0}, 4},
+        {{0xFFFFFFFF, 1, 32, 0}, 4}, {{0, 2, 32, 0}, 4},
+        {{1, 2, 7, 0}, 4},           {{1, 2, 32, 8}, 0},
     };
     for (const auto &c : cases)
         for (const bool flip : {false, true}) {

@@ -170,9 +170,19 @@ TEST(ReadDpx, NoRowsToRead)
         uint8_t descriptor;
         int64_t stride;
     } cases[] = {
-        {0, 3, 50, 8},          {0, 3, 51, 8},          {2, 0, 50, 8},          {2, 0x80000000, 50, 8},
-        {2, 0xFFFFFFFF, 50, 8}, {0xFFFFFFFF, 1, 50, 8}, {0x80000000, 1, 51, 8}, {0x20000000, 1, 50, 8},
-        {0x7FFFFFFF, 1, 50, 8}, {0xC0000001, 1, 50, 8}, {0xFFFFFFFF, 1, 51, 8}, {2, 3, 50, 0},
+        {0, 3, 50, 8},
+        {0, 3, 51, 8},
+        {2, 0, 50, 8},
+        {2, 0x80000000, 50, 8},
+        {2, 0xFFFFFFFF, 50, 8},
+        {0xFFFFFFFF, 1, 50, 8},
+        {0x80000000, 1, 51, 8},
+        {0x20000000, 1, 50, 8},
+        {0x7FFFFFFF, 1, 50, 8},
+        {0xC0000001, 1, 50, 8},
+        {0xFFFFFFFF, 1, 51, 8},
+        {2, 3, 50, 0},
+        {5000, 0x7FFFFFFF, 50, 0},
     };
     for (const auto &c : cases)
         for (const bool flip : {false, true}) {
