@@ -144,7 +144,7 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
         {"returns too little", sumCase(), untyped(losesCarry), untyped(sum), Fault::wrongReturn},
     };
     for (const auto &f : faulty) {
-        for (const std::uint64_t seed : {1, 2, 3}) {
+        for (const std::uint64_t seed : {1u, 2u, 3u}) {
             for (const bool quick : {false, true}) {
                 CheckPlan plan;
                 plan.seed = seed;

@@ -98,12 +98,7 @@ void PackPlanar16ToUyvy8(uint8_t *dst, const uint16_t *srcY, const uint16_t *src
 
 } // namespace
 
+#define VELA_SUBTABLE_LIST "vela/slots/color_space_procs.def"
 extern constinit const VcbColorSpaceProcs vela::test::ORACLE::colorSpaceProcs = {
-    .ExpandYuyvToYuva = ExpandYuyvToYuva,
-    .PackYuvaToYuyv = PackYuvaToYuyv,
-    .ExpandUyvyToYuva = ExpandUyvyToYuva,
-    .PackYuvaToUyvy = PackYuvaToUyvy,
-    .AppendAlpha24To32 = AppendAlpha24To32,
-    .PackPlanar16ToYuyv8 = PackPlanar16ToYuyv8,
-    .PackPlanar16ToUyvy8 = PackPlanar16ToUyvy8,
+#include "frame/every_slot.h"
 };

@@ -69,14 +69,7 @@ void SharpenU8(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count)
 
 } // namespace
 
+#define VELA_SUBTABLE_LIST "vela/slots/video_procs.def"
 extern constinit const VcbVideoProcs vela::test::ORACLE::videoProcs = {
-    .SmoothRows121U8 = SmoothRows121U8,
-    .SmoothCols121U16ToU8 = SmoothCols121U16ToU8,
-    .SmoothCols121U16ToU8_A = SmoothCols121U16ToU8_A,
-    .SmoothCols121U16ToU8_B = SmoothCols121U16ToU8_B,
-    .SmoothRows121Rgb32 = SmoothRows121Rgb32,
-    .SmoothHoriz121Rgb32 = SmoothHoriz121Rgb32,
-    .SmoothCols121U16ToU8Q_A = SmoothCols121U16ToU8Q_A,
-    .SmoothCols121U16ToU8Q_B = SmoothCols121U16ToU8Q_B,
-    .SharpenU8 = SharpenU8,
+#include "frame/every_slot.h"
 };

@@ -9,24 +9,12 @@
 
 #include "support/wide_texts.hpp"
 
+#define VELA_SUBTABLE_LIST "vela/slots/color_space_procs.def"
 extern constinit const VcbColorSpaceProcs vela::test::colorSpaceProcsWide = {
-    .ExpandYuyvToYuva = ExpandYuyvToYuva,
-    .PackYuvaToYuyv = PackYuvaToYuyv,
-    .ExpandUyvyToYuva = ExpandUyvyToYuva,
-    .PackYuvaToUyvy = PackYuvaToUyvy,
-    .AppendAlpha24To32 = AppendAlpha24To32,
-    .PackPlanar16ToYuyv8 = PackPlanar16ToYuyv8,
-    .PackPlanar16ToUyvy8 = PackPlanar16ToUyvy8,
+#include "frame/every_slot.h"
 };
 
+#define VELA_SUBTABLE_LIST "vela/slots/video_procs.def"
 extern constinit const VcbVideoProcs vela::test::videoProcsWide = {
-    .SmoothRows121U8 = SmoothRows121U8,
-    .SmoothCols121U16ToU8 = SmoothCols121U16ToU8,
-    .SmoothCols121U16ToU8_A = SmoothCols121U16ToU8_A,
-    .SmoothCols121U16ToU8_B = SmoothCols121U16ToU8_B,
-    .SmoothRows121Rgb32 = SmoothRows121Rgb32,
-    .SmoothHoriz121Rgb32 = SmoothHoriz121Rgb32,
-    .SmoothCols121U16ToU8Q_A = SmoothCols121U16ToU8Q_A,
-    .SmoothCols121U16ToU8Q_B = SmoothCols121U16ToU8Q_B,
-    .SharpenU8 = SharpenU8,
+#include "frame/every_slot.h"
 };
