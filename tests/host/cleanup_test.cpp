@@ -68,7 +68,7 @@ TEST(Cleanup, DeletesTextFilesByNameAlone)
                                            logName(before - 1),
                                            "TesselSDK-99991231-235959.txt",
                                            "TesselSDL.txt",
-                                           "another.txt",
+                                           "later.txt",
                                            "TesselSDK-20000101-000000.log",
                                            "0txt",
                                            "0.txt.bak"};

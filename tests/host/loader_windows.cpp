@@ -1,7 +1,9 @@
 #include "host.hpp"
 
 #define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
 #define NOMINMAX
+#endif
 #include <windows.h>
 
 namespace vela::test::loader {

@@ -28,6 +28,7 @@ protected:
     // What the log holds, masked, after the lines that `write` writes with a freshly loaded library.
     template <class Write> std::u16string logOf(Write write)
     {
+        std::filesystem::remove_all(installation.logDirectory()); // a load in the next second has a log of its own
         write(installation.load().writeLog());
         return masked(installation.log());
     }

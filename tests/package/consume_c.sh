@@ -14,8 +14,9 @@ export PKG_CONFIG_LIBDIR=$prefix/$libdir/pkgconfig
 read -ra flags <<<"$(pkg-config --cflags --libs velacpubase)"
 for host in small readme; do
     "$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror "$work/$host.c" -o "$work/$host.exe" "${flags[@]}"
-    # Into a file: a first Wine server would hold a pipe open.
-    LD_LIBRARY_PATH=$prefix/$libdir WINEPATH=$prefix/bin "$run" "$work/$host.exe" >"$work/$host.output"
+    # Into a file, as a Wine server that this starts would hold a pipe open.
+    LD_LIBRARY_PATH=$prefix/$libdir WINEPATH=$prefix/bin "$run" "$work/$host.exe" >"$work/$host.output" 2>&1 ||
+        { cat "$work/$host.output"; exit 1; }
     cat "$work/$host.output"
     grep -q 'processor level [1-7]' "$work/$host.output"
 done
