@@ -9,9 +9,8 @@ if(WIN32)
     list(APPEND VELA_TIER_FLAGS_AVX -Wa,-muse-unaligned-vector-move)
     list(APPEND VELA_TIER_FLAGS_AVX2 -Wa,-muse-unaligned-vector-move)
 endif()
-# A tier's table names the kernels that the tier has; the other slots are null. Link-time optimisation would take a
-# tier's code apart before it can be checked.
-set(VELA_TIER_FLAGS_COMMON -Wno-missing-field-initializers -fno-lto)
+# Link-time optimisation would take a tier's code apart before it can be checked.
+set(VELA_TIER_FLAGS_COMMON -fno-lto)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Every slot has an address of its own, even where two kernels come out the same.
     list(APPEND VELA_TIER_FLAGS_COMMON -fno-ipa-icf)

@@ -131,7 +131,7 @@ public:
     }
 
     // Each run calls work(first, end) over all rows, passes times with one barrier after each pass.
-    template <class Work> void step(const std::string &name, std::vector<SlotInUse> slots, int passes, Work work)
+    template <class Work> void step(const std::string &name, const std::vector<SlotInUse> &slots, int passes, Work work)
     {
         const double seconds = medianSeconds(options.runs, [&](int run) {
             progress.show(name + ": run " + std::to_string(run + 1) + " of " + std::to_string(options.runs));

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <iostream>
 #include <new>
 
@@ -88,4 +89,12 @@ const Library &Session::library()
 
 } // namespace host
 
-int main(int argc, char **argv) { return host::run(host::programArguments(argc, argv)); }
+int main(int argc, char **argv)
+{
+    try {
+        return host::run(host::programArguments(argc, argv));
+    } catch (...) { // before the subcommands, or while complaining
+        std::fputs("vela: failed, for want of memory or of an output\n", stderr);
+        return host::exitFailure;
+    }
+}

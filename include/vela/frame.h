@@ -151,9 +151,9 @@ typedef enum VcbDpxFormat {
  * (RGBA, ABGR, in 32-bit arithmetic); end-of-line padding is skipped, 0xFFFFFFFF meaning none.
  * Returns 1 if the header was read, 0 if the file could not be opened, is shorter than 2080 bytes, or an out
  * pointer is null; width and height are then 0 and the format VCB_DPX_UNSUPPORTED. An unsupported layout gives 1
- * with VCB_DPX_UNSUPPORTED and reads no pixels; no pixels are read either for a height of 0 or less, a row length
- * that is not between 1 and 2^31 - 1, or a stride of 0. A row of the buffer receives at most |stride| bytes, and at
- * most height rows are written. A file that ends early leaves the rest of the buffer as it was.
+ * with VCB_DPX_UNSUPPORTED and reads no pixels; no pixels are read either for a width or height of 0 or less, a row
+ * length that is not between 1 and 2^31 - 1, or a stride of 0. A row of the buffer receives at most |stride| bytes,
+ * and at most height rows are written. A file that ends early leaves the rest of the buffer as it was.
  */
 VCB_API int32_t VCB_CALL VCB_ReadDPX(const wchar_t *path, void *pixels, int64_t stride, int32_t *width, int32_t *height,
                                      int32_t *format, uint8_t flip) VCB_NOEXCEPT;

@@ -49,8 +49,8 @@ void startCleanup(const std::wstring &directory, const std::wstring &lastOld, co
 {
     std::unique_ptr<Job> job(new Job{platform::DirectoryWalk(directory), lastOld, inUse});
     stopRequested.store(false, std::memory_order_relaxed);
-    if (platform::startBackground(cleanUp, job.get()))
-        [[maybe_unused]] Job *owned = job.release(); // by the thread
+    if (platform::startBackground(cleanUp, job.get())) [[maybe_unused]]
+        Job *owned = job.release(); // by the thread
 }
 
 void stopCleanup() noexcept

@@ -82,7 +82,7 @@ int32_t fourComponentRow(int32_t width)
 // The length of a file row, or 0 if there are no rows to read.
 uint64_t rowBytesOf(const DpxHeader &header, int32_t format)
 {
-    if (format == VCB_DPX_UNSUPPORTED || header.height() <= 0)
+    if (format == VCB_DPX_UNSUPPORTED || header.width() <= 0 || header.height() <= 0)
         return 0;
     const int64_t row = header.descriptor() == Rgb ? int64_t{4} * header.width() : fourComponentRow(header.width());
     return row > 0 && row <= std::numeric_limits<int32_t>::max() ? static_cast<uint64_t>(row) : 0;

@@ -64,26 +64,31 @@ void appendNow(Line &line) noexcept
     line.appendDigits(now.hour, 2).append(L":").appendDigits(now.minute, 2).append(L":").appendDigits(now.second, 2);
 }
 
-// A line, stamped with date and time behind its first part. In one write, so that not even the lines of a forked
-// child can come between.
-void appendStamped(platform::AppendFile &file, std::wstring_view before, std::wstring_view text,
-                   std::wstring_view after) noexcept
+// A line: its first part, date and time, its other parts. In one write, so that not even the lines of a forked child
+// can come between.
+template <class... Parts>
+void appendStamped(platform::AppendFile &file, std::wstring_view before, const Parts &...after) noexcept
 {
     Line line;
     line.append(before);
     appendNow(line);
-    line.append(text).append(after);
+    (line.append(after), ...);
     append(file, line.view());
 }
 
 std::wstring_view tagOf(int32_t level) noexcept
 {
     switch (level) {
-    case VCB_LOG_MESSAGE: return L"<Message>    ";
-    case VCB_LOG_WARNING: return L"<Warning>    ";
-    case VCB_LOG_ERROR: return L"<Error!!>    ";
-    case VCB_LOG_CRASH: return L"<!!Crash>    ";
-    default: return L"<Unknown>    ";
+    case VCB_LOG_MESSAGE:
+        return L"<Message>    ";
+    case VCB_LOG_WARNING:
+        return L"<Warning>    ";
+    case VCB_LOG_ERROR:
+        return L"<Error!!>    ";
+    case VCB_LOG_CRASH:
+        return L"<!!Crash>    ";
+    default:
+        return L"<Unknown>    ";
     }
 }
 
@@ -110,13 +115,13 @@ void Log::open() noexcept
     if (state_ != State::open)
         return;
     append(file_, {&byteOrderMark, 1});
-    appendStamped(file_, L"\r\n#### Log Start - ", L" ####\r\n", {});
+    appendStamped(file_, L"\r\n#### Log Start - ", L" ####\r\n");
 }
 
 void Log::close() noexcept
 {
     if (state_ == State::open)
-        appendStamped(file_, L"#### Log Stop - ", L" ####\r\n", {});
+        appendStamped(file_, L"#### Log Stop - ", L" ####\r\n");
     file_.close();
     state_ = State::unopened;
 }
@@ -133,7 +138,7 @@ void Log::write(std::wstring_view text) noexcept
         open();
     }
     if (state_ == State::open)
-        appendStamped(file_, L"## ", text, L" ##\r\n");
+        appendStamped(file_, L"## ", L"    ", text, L" ##\r\n");
 }
 
 void Log::stop(bool othersAreGone) noexcept

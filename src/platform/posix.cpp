@@ -316,8 +316,7 @@ std::optional<LocalTime> localTime(std::int64_t seconds) noexcept
     std::tm local;
     if (!::localtime_r(&time, &local))
         return std::nullopt;
-    return LocalTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                     local.tm_hour,        local.tm_min,     local.tm_sec};
+    return LocalTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
 
 void formatText(wchar_t *text, std::size_t size, const wchar_t *format, std::va_list arguments) noexcept

@@ -196,7 +196,7 @@ void joinBackground() noexcept {}
 // may still hold them when the log is closed.
 namespace {
 
-constexpr std::int64_t ticksPerSecond = 10'000'000;        // FILETIME counts 100 ns
+constexpr std::int64_t ticksPerSecond = 10'000'000; // FILETIME counts 100 ns
 constexpr std::int64_t secondsFrom1601To1970 = 11644473600;
 
 } // namespace

@@ -4,6 +4,8 @@
 // that with a permutation; WideBytes leaves it as it is, since narrow() undoes it.
 #pragma once
 
+#include "simd/ends.h"
+
 #include <immintrin.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -23,6 +25,9 @@ struct u32s {
     static constexpr int lanes = 8;
     __m256i v;
 };
+
+// Signed 16-bit values for every byte of a u8s, in an order of the instruction set's own; narrow() restores the
+// bytes' order.
 struct WideBytes {
     __m256i first;
     __m256i second;
@@ -30,6 +35,25 @@ struct WideBytes {
 
 template <class Vector> inline Vector load(const void *from) { return {_mm256_loadu_si256((const __m256i *)from)}; }
 template <class Vector> inline void store(void *to, Vector x) { _mm256_storeu_si256((__m256i *)to, x.v); }
+
+// A run of n bytes as its first and its last bytes, as in ends.h; from 16 bytes on in the two halves.
+inline u8s loadEnds(const uint8_t *from, ptrdiff_t n)
+{
+    if (n < 16)
+        return {_mm256_castsi128_si256(loadEnds16(from, n))};
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128((const __m128i *)from)),
+                                    _mm_loadu_si128((const __m128i *)(from + n - 16)), 1)};
+}
+inline void storeEnds(uint8_t *to, u8s x, ptrdiff_t n)
+{
+    const __m128i first = _mm256_castsi256_si128(x.v);
+    if (n < 16) {
+        storeEnds16(to, first, n);
+        return;
+    }
+    _mm_storeu_si128((__m128i *)to, first);
+    _mm_storeu_si128((__m128i *)(to + n - 16), _mm256_extracti128_si256(x.v, 1));
+}
 
 template <class To, class From> inline To as(From x) { return {x.v}; }
 
@@ -45,11 +69,15 @@ template <class Vector> inline Vector select(Vector mask, Vector a, Vector b)
 }
 
 inline u16s operator+(u16s a, u16s b) { return {_mm256_add_epi16(a.v, b.v)}; }
+inline u16s twice(u16s a) { return a + a; }
 template <int bits> inline u16s shiftLeft(u16s a) { return {_mm256_slli_epi16(a.v, bits)}; }
 template <int bits> inline u16s shiftRight(u16s a) { return {_mm256_srli_epi16(a.v, bits)}; }
 template <int bits> inline u32s shiftLeft(u32s a) { return {_mm256_slli_epi32(a.v, bits)}; }
 template <int bits> inline u32s shiftRight(u32s a) { return {_mm256_srli_epi32(a.v, bits)}; }
 
+inline u8s addLimited(u8s a, u8s b) { return {_mm256_adds_epu8(a.v, b.v)}; }
+inline u8s subtractLimited(u8s a, u8s b) { return {_mm256_subs_epu8(a.v, b.v)}; }
+inline u8s half(u8s a) { return {_mm256_and_si256(_mm256_srli_epi16(a.v, 1), _mm256_set1_epi8(0x7F))}; }
 inline u8s average(u8s a, u8s b) { return {_mm256_avg_epu8(a.v, b.v)}; }
 
 // The lower halves of two registers, and the upper halves.
@@ -91,7 +119,8 @@ inline u16s widenLow(u8s x) { return {_mm256_cvtepu8_epi16(_mm256_castsi256_si12
 inline u16s widenHigh(u8s x) { return {_mm256_cvtepu8_epi16(_mm256_extracti128_si256(x.v, 1))}; }
 inline u8s narrow(u16s low, u16s high) { return {unmix(_mm256_packus_epi16(low.v, high.v))}; }
 
-// One multiply-add does both products: a and b interleaved, the weights alternating.
+// weightA*a + weightB*b per byte; the sum must fit 16 bits. One multiply-add does both products: a and b interleaved,
+// the weights alternating.
 template <int8_t weightA, int8_t weightB> inline WideBytes weightedSum(u8s a, u8s b)
 {
     const __m256i weights = _mm256_set1_epi16((short)((uint8_t)weightA | (uint8_t)weightB << 8));
@@ -99,6 +128,7 @@ template <int8_t weightA, int8_t weightB> inline WideBytes weightedSum(u8s a, u8
             _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a.v, b.v), weights)};
 }
 
+// (x + rounding) >> bits, arithmetic.
 template <int bits> inline WideBytes shiftRightRounded(WideBytes x)
 {
     const __m256i rounding = _mm256_set1_epi16(1 << (bits - 1));
@@ -106,6 +136,7 @@ template <int bits> inline WideBytes shiftRightRounded(WideBytes x)
             _mm256_srai_epi16(_mm256_add_epi16(x.second, rounding), bits)};
 }
 
+// Limited to 0..255, in the order of the bytes that x came from.
 inline u8s narrow(WideBytes x) { return {_mm256_packus_epi16(x.first, x.second)}; }
 
 // Bytes 0-15 hold the pixels of the lower half, bytes 8-23 those of the upper half behind four other bytes.

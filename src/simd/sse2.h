@@ -3,6 +3,8 @@
 // Vectors hold elements in memory order: lane 0 is the element at the lowest address.
 #pragma once
 
+#include "simd/ends.h"
+
 #include <emmintrin.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -24,15 +26,12 @@ struct u32s {
     __m128i v;
 };
 
-// Signed 16-bit values for every byte of a u8s, in an order of the instruction set's own; narrow() restores the
-// bytes' order.
-struct WideBytes {
-    __m128i first;
-    __m128i second;
-};
-
 template <class Vector> inline Vector load(const void *from) { return {_mm_loadu_si128((const __m128i *)from)}; }
 template <class Vector> inline void store(void *to, Vector x) { _mm_storeu_si128((__m128i *)to, x.v); }
+
+// A run of n bytes, fewer than a register holds, as its first and its last bytes: see ends.h.
+inline u8s loadEnds(const uint8_t *from, ptrdiff_t n) { return {loadEnds16(from, n)}; }
+inline void storeEnds(uint8_t *to, u8s x, ptrdiff_t n) { storeEnds16(to, x.v, n); }
 
 // The same bits under another type.
 template <class To, class From> inline To as(From x) { return {x.v}; }
@@ -51,10 +50,19 @@ template <class Vector> inline Vector select(Vector mask, Vector a, Vector b)
 }
 
 inline u16s operator+(u16s a, u16s b) { return {_mm_add_epi16(a.v, b.v)}; }
+// An addition: more units of a processor add than shift.
+inline u16s twice(u16s a) { return a + a; }
 template <int bits> inline u16s shiftLeft(u16s a) { return {_mm_slli_epi16(a.v, bits)}; }
 template <int bits> inline u16s shiftRight(u16s a) { return {_mm_srli_epi16(a.v, bits)}; }
 template <int bits> inline u32s shiftLeft(u32s a) { return {_mm_slli_epi32(a.v, bits)}; }
 template <int bits> inline u32s shiftRight(u32s a) { return {_mm_srli_epi32(a.v, bits)}; }
+
+// a + b and a - b, limited to 0..255.
+inline u8s addLimited(u8s a, u8s b) { return {_mm_adds_epu8(a.v, b.v)}; }
+inline u8s subtractLimited(u8s a, u8s b) { return {_mm_subs_epu8(a.v, b.v)}; }
+
+// a >> 1
+inline u8s half(u8s a) { return {_mm_and_si128(_mm_srli_epi16(a.v, 1), _mm_set1_epi8(0x7F))}; }
 
 // (a + b + 1) >> 1
 inline u8s average(u8s a, u8s b) { return {_mm_avg_epu8(a.v, b.v)}; }
@@ -81,29 +89,6 @@ inline u16s widenHigh(u8s x) { return {_mm_unpackhi_epi8(x.v, _mm_setzero_si128(
 
 // low then high, limited to 255. Lanes are at most 32767.
 inline u8s narrow(u16s low, u16s high) { return {_mm_packus_epi16(low.v, high.v)}; }
-
-// weightA*a + weightB*b per byte; the sum must fit 16 bits.
-template <int8_t weightA, int8_t weightB> inline WideBytes weightedSum(u8s a, u8s b)
-{
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i wa = _mm_set1_epi16(weightA);
-    const __m128i wb = _mm_set1_epi16(weightB);
-    return {_mm_add_epi16(_mm_mullo_epi16(_mm_unpacklo_epi8(a.v, zero), wa),
-                          _mm_mullo_epi16(_mm_unpacklo_epi8(b.v, zero), wb)),
-            _mm_add_epi16(_mm_mullo_epi16(_mm_unpackhi_epi8(a.v, zero), wa),
-                          _mm_mullo_epi16(_mm_unpackhi_epi8(b.v, zero), wb))};
-}
-
-// (x + rounding) >> bits, arithmetic.
-template <int bits> inline WideBytes shiftRightRounded(WideBytes x)
-{
-    const __m128i rounding = _mm_set1_epi16(1 << (bits - 1));
-    return {_mm_srai_epi16(_mm_add_epi16(x.first, rounding), bits),
-            _mm_srai_epi16(_mm_add_epi16(x.second, rounding), bits)};
-}
-
-// Limited to 0..255, in the order of the bytes that x came from.
-inline u8s narrow(WideBytes x) { return {_mm_packus_epi16(x.first, x.second)}; }
 
 // One 3-byte pixel per lane, its top byte 0. Reads 3 bytes a lane, no more.
 //   bytes 0-7   p0 p0 p0 p1 p1 p1 ..             as is

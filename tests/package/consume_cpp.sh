@@ -13,5 +13,8 @@ compiler=("-DCMAKE_CXX_COMPILER=$cxx")
 "$cmake" --build "$work" >/dev/null
 program=$work/host
 [[ -e $program ]] || program=$work/host.exe
-LD_LIBRARY_PATH=$prefix/$libdir WINEPATH=$prefix/bin "$run" "$program" | tee "$work/output"
+# Into a file, as a Wine server that this starts would hold a pipe open.
+LD_LIBRARY_PATH=$prefix/$libdir WINEPATH=$prefix/bin "$run" "$program" >"$work/output" 2>&1 ||
+    { cat "$work/output"; exit 1; }
+cat "$work/output"
 grep -q 'processor level [1-7]' "$work/output"

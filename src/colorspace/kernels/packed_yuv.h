@@ -112,7 +112,8 @@ void PackYuvaToYuyv(uint8_t *dst, const uint8_t *src, uint32_t width) { packFrom
 void PackYuvaToUyvy(uint8_t *dst, const uint8_t *src, uint32_t width) { packFromYuva<Uyvy>(dst, src, width); }
 
 // Planar 16-bit 4:2:2 to packed bytes: the top byte of every sample. join(luma, chroma) makes the packed words of
-// the luma words and the interleaved chroma words.
+// the luma words and the interleaved chroma words. Ordinary stores: a row kernel's output is mostly read soon, and
+// streaming it made a 1080p frame about half as fast (Zen 4), for 8 % gained on frames beyond the last cache.
 template <class Join>
 inline void packPlanar16(uint8_t *dst, const uint16_t *srcY, const uint16_t *srcU, const uint16_t *srcV,
                          ptrdiff_t pairs, Join join)
@@ -128,8 +129,7 @@ inline void packPlanar16(uint8_t *dst, const uint16_t *srcY, const uint16_t *src
         Out<4>{dst}, In<4>{srcY}, In<2>{srcU}, In<2>{srcV});
 }
 
-void PackPlanar16ToYuyv8(uint8_t *dst, const uint16_t *srcY, const uint16_t *srcU, const uint16_t *srcV,
-                         uint32_t width)
+void PackPlanar16ToYuyv8(uint8_t *dst, const uint16_t *srcY, const uint16_t *srcU, const uint16_t *srcV, uint32_t width)
 {
     const ptrdiff_t packed = (ptrdiff_t)(width & ~3u);
     packPlanar16(dst, srcY, srcU, srcV, packed / 2,
@@ -137,10 +137,10 @@ void PackPlanar16ToYuyv8(uint8_t *dst, const uint16_t *srcY, const uint16_t *src
     if (width & 2) {
         // Hosts know this pair by its place: it has always been spread over eight bytes.
         uint8_t *pair = dst + packed * 2;
-        pair[0] = (uint8_t)(srcY[packed] >> 8);
-        pair[2] = (uint8_t)(srcU[packed / 2] >> 8);
-        pair[4] = (uint8_t)(srcY[packed + 1] >> 8);
-        pair[6] = (uint8_t)(srcV[packed / 2] >> 8);
+        pair[0] = (uint8_t)(loadWord(srcY + packed) >> 8);
+        pair[2] = (uint8_t)(loadWord(srcU + packed / 2) >> 8);
+        pair[4] = (uint8_t)(loadWord(srcY + packed + 1) >> 8);
+        pair[6] = (uint8_t)(loadWord(srcV + packed / 2) >> 8);
     }
 }
 

@@ -7,12 +7,7 @@
 
 #include "colorspace/tiers.hpp"
 
+#define VELA_SUBTABLE_LIST "vela/slots/color_space_procs.def"
 extern constinit const VcbColorSpaceProcs vela::colorSpaceProcsSse2 = {
-    .ExpandYuyvToYuva = ExpandYuyvToYuva,
-    .PackYuvaToYuyv = PackYuvaToYuyv,
-    .ExpandUyvyToYuva = ExpandUyvyToYuva,
-    .PackYuvaToUyvy = PackYuvaToUyvy,
-    .AppendAlpha24To32 = AppendAlpha24To32,
-    .PackPlanar16ToYuyv8 = PackPlanar16ToYuyv8,
-    .PackPlanar16ToUyvy8 = PackPlanar16ToUyvy8,
+#include "frame/every_slot.h"
 };

@@ -2,7 +2,7 @@
 
 #include "simd/loops.h"
 
-#include "video/kernels/sharpen.h"
+#include "video/kernels/sharpen_words.h"
 
 #include "video/tiers.hpp"
 

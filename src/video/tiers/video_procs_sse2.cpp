@@ -2,19 +2,12 @@
 
 #include "simd/loops.h"
 
-#include "video/kernels/sharpen.h"
+#include "video/kernels/sharpen_bytes.h"
 #include "video/kernels/smooth.h"
 
 #include "video/tiers.hpp"
 
+#define VELA_SUBTABLE_LIST "vela/slots/video_procs.def"
 extern constinit const VcbVideoProcs vela::videoProcsSse2 = {
-    .SmoothRows121U8 = SmoothRows121U8,
-    .SmoothCols121U16ToU8 = SmoothCols121U16ToU8,
-    .SmoothCols121U16ToU8_A = SmoothCols121U16ToU8_A,
-    .SmoothCols121U16ToU8_B = SmoothCols121U16ToU8_B,
-    .SmoothRows121Rgb32 = SmoothRows121Rgb32,
-    .SmoothHoriz121Rgb32 = SmoothHoriz121Rgb32,
-    .SmoothCols121U16ToU8Q_A = SmoothCols121U16ToU8Q_A,
-    .SmoothCols121U16ToU8Q_B = SmoothCols121U16ToU8Q_B,
-    .SharpenU8 = SharpenU8,
+#include "frame/every_slot.h"
 };

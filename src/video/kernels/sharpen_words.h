@@ -1,4 +1,4 @@
-// The unsharp combine.
+// The unsharp combine in 16-bit sums, for instruction sets that multiply and add byte pairs in one step.
 #pragma once
 
 namespace {

@@ -1,0 +1,177 @@
+// Every slot of every list, at every tier that this processor has, against its oracle.
+//
+// VELA_CHECK_SEED=N repeats a run; VELA_CHECK_QUICK=1 thins it out for emulators.
+
+#include "support/kernel_check.hpp"
+#include "support/kernel_tables.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <map>
+#include <random>
+#include <set>
+
+namespace vela::test {
+namespace {
+
+std::uint64_t seed()
+{
+    static const std::uint64_t value = [] {
+        const char *fixed = std::getenv("VELA_CHECK_SEED");
+        return fixed ? std::strtoull(fixed, nullptr, 0) : std::random_device{}();
+    }();
+    return value;
+}
+
+const std::vector<KernelTable> &tables()
+{
+    static const std::vector<KernelTable> all = kernelTables();
+    return all;
+}
+
+class KernelTest : public testing::Test {
+public:
+    KernelTest(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase)
+        : table_(table), tier_(tier), case_(kernelCase)
+    {
+    }
+
+    void TestBody() override
+    {
+        CheckPlan plan;
+        plan.seed = seed();
+        plan.quick = std::getenv("VELA_CHECK_QUICK") != nullptr;
+        const CheckResult result =
+            checkKernel(case_, kernelAt(tier_.table, case_.slot), kernelAt(table_.oracle, case_.slot), plan);
+        ASSERT_GT(result.runs, 0u);
+        const char *name = slotInfoOf(table_, case_.slot).name;
+        EXPECT_FALSE(result.finding) << name << " on " << tier_.name << ": " << faultName(result.finding->fault)
+                                     << "\n  " << result.finding->text << "\n  repeat with: VELA_CHECK_SEED=" << seed()
+                                     << " kernel_tests --gtest_filter='" << testName(table_, tier_, case_) << "'";
+    }
+
+    static std::string testName(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase)
+    {
+        return "Kernel." + shortName(table, tier, kernelCase);
+    }
+
+    static std::string shortName(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase)
+    {
+        return table.family + "_" + slotInfoOf(table, kernelCase.slot).name + "_" + tier.name;
+    }
+
+private:
+    const KernelTable &table_;
+    const TierKernels &tier_;
+    const KernelCase &case_;
+};
+
+void registerKernelTests()
+{
+    const int level = VCB_GetCPUInsHigh();
+    for (const KernelTable &table : tables())
+        for (const TierKernels &tier : table.tiers)
+            for (const KernelCase &kernelCase : table.cases)
+                if (level >= tier.needs && kernelAt(tier.table, kernelCase.slot))
+                    testing::RegisterTest("Kernel", KernelTest::shortName(table, tier, kernelCase).c_str(), nullptr,
+                                          nullptr, __FILE__, __LINE__,
+                                          [&]() -> testing::Test * { return new KernelTest(table, tier, kernelCase); });
+}
+
+TEST(SlotLists, EverySlotHasACaseAndAnOracle)
+{
+    for (const KernelTable &table : tables()) {
+        std::set<std::size_t> slots;
+        for (const KernelCase &kernelCase : table.cases) {
+            EXPECT_TRUE(slots.insert(kernelCase.slot).second)
+                << table.family << " has two cases for " << kernelCase.slot;
+            EXPECT_TRUE(kernelAt(table.oracle, kernelCase.slot)) << slotInfoOf(table, kernelCase.slot).name;
+        }
+        for (const VcbSlotInfo &info : table.slots)
+            EXPECT_TRUE(slots.contains(static_cast<std::size_t>(info.number))) << info.name << " has no case";
+    }
+}
+
+TEST(SlotLists, CasesDescribeTheSignature)
+{
+    for (const KernelTable &table : tables()) {
+        for (const KernelCase &kernelCase : table.cases) {
+            const char *name = slotInfoOf(table, kernelCase.slot).name;
+            ASSERT_EQ(kernelCase.arguments.size(), kernelCase.pointers.size()) << name;
+            for (std::size_t i = 0; i < kernelCase.pointers.size(); ++i)
+                EXPECT_EQ(kernelCase.pointers[i], static_cast<bool>(kernelCase.arguments[i].bytes))
+                    << name << " argument " << i;
+        }
+    }
+}
+
+// A tier table holds kernels exactly where the list says so: nothing forgotten, nothing more.
+TEST(SlotLists, TiersProvideWhatTheListSays)
+{
+    for (const KernelTable &table : tables()) {
+        for (const TierKernels &tier : table.tiers) {
+            if (!tier.tier)
+                continue;
+            std::vector<bool> promised(table.size, false);
+            for (const VcbSlotInfo &info : table.slots)
+                promised[static_cast<std::size_t>(info.number)] = (info.tiers & tier.tier) != 0;
+            for (std::size_t slot = 0; slot < table.size; ++slot)
+                EXPECT_EQ(kernelAt(tier.table, slot) != nullptr, promised[slot])
+                    << table.family << " slot " << slot << " on " << tier.name;
+        }
+    }
+}
+
+TEST(SlotLists, EveryKernelHasAnAddressOfItsOwn)
+{
+    std::map<VcbKernel, std::string> owners;
+    for (const KernelTable &table : tables()) {
+        for (const TierKernels &tier : table.tiers) {
+            for (const KernelCase &kernelCase : table.cases) {
+                const VcbKernel kernel = kernelAt(tier.table, kernelCase.slot);
+                if (!kernel)
+                    continue;
+                const std::string name = KernelTest::shortName(table, tier, kernelCase);
+                const auto [owner, isNew] = owners.emplace(kernel, name);
+                EXPECT_TRUE(isNew) << name << " shares its address with " << owner->second;
+            }
+        }
+    }
+    EXPECT_FALSE(owners.empty());
+}
+
+// The whole domain of a kernel of two bytes.
+TEST(Exhaustive, SharpenOverAllPairs)
+{
+    std::vector<uint8_t> a(65536);
+    std::vector<uint8_t> b(65536);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        a[i] = static_cast<uint8_t>(i >> 8);
+        b[i] = static_cast<uint8_t>(i);
+    }
+    for (const KernelTable &table : tables()) {
+        for (const TierKernels &tier : table.tiers) {
+            if (table.family != "video" || VCB_GetCPUInsHigh() < tier.needs)
+                continue;
+            std::vector<uint8_t> out(a.size());
+            static_cast<const VcbVideoProcs *>(tier.table)->SharpenU8(out.data(), a.data(), b.data(), 65536);
+            for (std::size_t i = 0; i < out.size(); ++i) {
+                const double exact = a[i] + std::floor((5.0 * (a[i] - b[i]) + 8.0) / 16.0);
+                ASSERT_EQ(out[i], std::clamp(exact, 0.0, 255.0)) << tier.name << ": " << int{a[i]} << ", " << int{b[i]};
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace vela::test
+
+int main(int argumentCount, char **arguments)
+{
+    testing::InitGoogleTest(&argumentCount, arguments);
+    vela::test::registerKernelTests();
+    return RUN_ALL_TESTS();
+}

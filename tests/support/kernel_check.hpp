@@ -1,0 +1,38 @@
+// Runs a kernel against its oracle on guarded memory and says what is wrong with it.
+#pragma once
+
+#include "support/kernel_case.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vela::test {
+
+enum class Fault { crash, wrongResult, wroteOutside, changedSource, wrongReturn };
+
+struct Finding {
+    Fault fault;
+    std::string text; // count, placement, fill, seed, first difference
+};
+
+struct CheckPlan {
+    std::uint64_t seed = 1;
+    std::int64_t everyCountUpTo = 140; // all counts to here: several blocks of the widest tier
+    bool quick = false;                // one placement and fill per count, for emulators
+};
+
+struct CheckResult {
+    std::uint64_t runs = 0;
+    std::optional<Finding> finding; // the first
+};
+
+// Checks one kernel. The oracle runs on aligned copies of the same data. A kernel passes when results, untouched
+// bytes inside the rows, bytes around them and the sources all agree, for every count, on both sides of inaccessible
+// pages, at any alignment, and in place where the case allows it.
+[[nodiscard]] CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle,
+                                      const CheckPlan &plan);
+
+const char *faultName(Fault fault);
+
+} // namespace vela::test
