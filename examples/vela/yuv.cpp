@@ -14,7 +14,7 @@ constexpr float chromaZero = 128.0f;
 constexpr float blueSpan = 2.0f * (1.0f - blueWeight);
 constexpr float redSpan = 2.0f * (1.0f - redWeight);
 
-std::uint8_t toByte(float value) { return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 255.0f) + 0.5f); }
+std::uint8_t toByte(float value) { return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0f, 255.0f))); }
 
 void bgraPixelToYuva(std::uint8_t *yuva, const std::uint8_t *bgra)
 {
