@@ -140,20 +140,6 @@ TEST(Posix, AForkedChildEndsWithoutTouchingTheParentsLog)
                                               stopLine);
 }
 
-TEST(Posix, ExitClosesTheLogOfAnOrdinaryProcess)
-{
-    const Installation installation;
-    installation.switchLogOn();
-    EXPECT_EQ(runInChild([&] {
-                  static const auto *const library = new Library(installation.library()); // never unloaded by the host
-                  library->writeLog()(0, nullptr, nullptr, L"last words");
-                  std::exit(3);
-              }),
-              3);
-    EXPECT_EQ(masked(installation.log()),
-              startLine + messageLine(u"<Message>    Unknown    Unknown    last words") + stopLine);
-}
-
 TEST(Posix, UnloadingDoesNotWaitForPruning)
 {
     const Installation installation;
