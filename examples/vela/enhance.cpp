@@ -133,8 +133,10 @@ public:
     // Each run calls work(first, end) over all rows, passes times with one barrier after each pass.
     template <class Work> void step(const std::string &name, const std::vector<SlotInUse> &slots, int passes, Work work)
     {
-        const double seconds = medianSeconds(options.runs, [&](int run) {
+        const auto announce = [&](int run) {
             progress.show(name + ": run " + std::to_string(run + 1) + " of " + std::to_string(options.runs));
+        };
+        const double seconds = medianSeconds(options.runs, announce, [&] {
             for (int pass = 0; pass < passes; ++pass)
                 overRows(height, options.threads, [&](int first, int end) { work(pass, first, end); });
         });

@@ -64,6 +64,8 @@ int run(std::vector<std::string> arguments)
     try {
         std::reverse(arguments.begin(), arguments.end()); // CLI11 takes them last first
         app.parse(arguments);
+        if (!std::cout.flush())
+            return complain("cannot write the output", exitFailure);
         return exitSuccess;
     } catch (const CLI::Success &request) { // --help, --version
         return app.exit(request);

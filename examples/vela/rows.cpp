@@ -40,13 +40,14 @@ void Progress::show(const std::string &text)
         std::cerr << clearLine << text << std::flush;
 }
 
-double medianSeconds(int runs, const std::function<void(int run)> &work)
+double medianSeconds(int runs, const std::function<void(int run)> &announce, const std::function<void()> &work)
 {
     using Clock = std::chrono::steady_clock;
     std::vector<double> seconds;
     for (int run = 0; run < runs; ++run) {
+        announce(run);
         const Clock::time_point start = Clock::now();
-        work(run);
+        work();
         seconds.push_back(std::chrono::duration<double>(Clock::now() - start).count());
     }
     const auto middle = seconds.begin() + static_cast<std::ptrdiff_t>(seconds.size() / 2);

@@ -23,7 +23,7 @@ private:
     bool visible;
 };
 
-// The median time of several runs, in seconds.
-double medianSeconds(int runs, const std::function<void(int run)> &work);
+// The median time of several runs of work, in seconds. announce(run) comes before each run and is not timed.
+double medianSeconds(int runs, const std::function<void(int run)> &announce, const std::function<void()> &work);
 
 } // namespace host

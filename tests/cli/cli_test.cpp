@@ -225,6 +225,17 @@ TEST_F(Cli, InfoListsTheSlotsOfAFamily)
     EXPECT_FALSE(contains(run("info --slots video").output, "uint8_t")) << "signatures were not asked for";
 }
 
+TEST_F(Cli, InfoNamesTheTierThatRuns)
+{
+    const std::string info = run("info").output;
+    const std::string slots = run("info --slots video").output;
+    std::smatch level;
+    ASSERT_TRUE(std::regex_search(info, level, std::regex("level (\\d+) "))) << info;
+    const bool avx2 = std::stoi(level[1]) >= VCB_CPU_AVX2;
+    EXPECT_TRUE(contains(slots, "8  " + std::string(avx2 ? "AVX2" : "SSE2") + "  SharpenU8")) << info << slots;
+    EXPECT_TRUE(contains(slots, "0  SSE2  SmoothRows121U8")) << "the slot has no other tier\n" << slots;
+}
+
 TEST_F(Cli, HelpNamesSubcommandsAndSucceeds)
 {
     const Outcome outcome = run("--help");

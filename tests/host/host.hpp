@@ -18,6 +18,10 @@ void *load(const std::filesystem::path &library); // null on failure
 void *symbol(void *module, const char *name);     // null if there is none
 void unload(void *module);
 bool isLoaded(const std::filesystem::path &library);
+
+// The exit code of the program, run with three arguments; negative if it cannot be run or does not end by itself.
+int run(const std::filesystem::path &program, const std::string &first, const std::filesystem::path &second,
+        const std::string &third);
 } // namespace loader
 
 // A loaded library. Unloading waits until it is really gone.

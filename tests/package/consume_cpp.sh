@@ -9,7 +9,7 @@ rm -rf "$work"
 
 compiler=("-DCMAKE_CXX_COMPILER=$cxx")
 [[ -z $toolchain ]] || compiler=("-DCMAKE_TOOLCHAIN_FILE=$toolchain")
-"$cmake" -S "$source" -B "$work" "${compiler[@]}" "-DVelaCPUBase_DIR=$prefix/$libdir/cmake/VelaCPUBase" >/dev/null
+"$cmake" -G Ninja -S "$source" -B "$work" "${compiler[@]}" "-DVelaCPUBase_DIR=$prefix/$libdir/cmake/VelaCPUBase" >/dev/null
 "$cmake" --build "$work" >/dev/null
 program=$work/host
 [[ -e $program ]] || program=$work/host.exe
