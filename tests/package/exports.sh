@@ -1,9 +1,9 @@
 #!/bin/bash
-# exports.sh LIBRARY LIST SYSTEM NAME NM OBJDUMP: the built library exports the listed symbols and nothing else, is
-# called NAME, and needs nothing but what every system has.
+# exports.sh LIBRARY LIST SYSTEM NAME VERSION NM OBJDUMP: the built library exports the listed symbols and nothing else,
+# is called NAME, says its VERSION, and needs nothing but what every system has.
 set -euo pipefail
 
-library=$1 list=$2 system=$3 name=$4 nm=$5 objdump=$6
+library=$1 list=$2 system=$3 name=$4 version=$5 nm=$6 objdump=$7
 failed=0
 
 same() # WHAT EXPECTED FOUND
@@ -20,12 +20,15 @@ if [[ $system == Windows ]]; then
     found=$(awk '/^\[Ordinal\/Name Pointer\] Table/ { on = 1; next } on && !NF { exit } on && /\[/ { print $NF }' \
         <<<"$headers" | LC_ALL=C sort)
     called=$(awk '/^Name / && NF == 3 { print $3; exit }' <<<"$headers")
+    # The resource that Windows shows: UTF-16 text. On Linux the version is part of the file's name.
+    says=$(strings -el "$library" | sed -n '/^FileVersion$/{n;p}')
     needed=$(awk '/DLL Name:/ { print $3 }' <<<"$headers")
     allowed='^(kernel32|msvcrt|shlwapi|shell32|user32|advapi32|api-ms-win-.*)\.dll$'
 else
     expected=$(awk '/^[A-Za-z]/ { print $1, $2 == "DATA" ? "data" : "function" }' "$list" | LC_ALL=C sort)
     found=$("$nm" -D --defined-only "$library" |
         awk '{ print $3, $2 == "T" ? "function" : $2 ~ /[BDR]/ ? "data" : $2 }' | LC_ALL=C sort)
+    says=$(basename "$(readlink -f "$library")" | sed 's/^.*\.so\.//')
     called=$(awk '$1 == "SONAME" { print $2 }' <<<"$headers")
     needed=$(awk '$1 == "NEEDED" { print $2 }' <<<"$headers")
     allowed='^(lib(stdc\+\+|gcc_s|c\+\+|c\+\+abi|unwind|c|m|pthread|dl)\.so\.[0-9]+|ld-linux-x86-64\.so\.2)$'
@@ -43,6 +46,7 @@ fi
 [[ -n $expected ]] || { echo "empty list"; failed=1; }
 same exports "$expected" "$found"
 same names "$name" "$called"
+same versions "$version" "$says"
 foreign=$(grep -Eiv "$allowed" <<<"$needed" || true)
 same "foreign libraries" "" "$foreign"
 exit $failed
