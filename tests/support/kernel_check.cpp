@@ -117,35 +117,36 @@ public:
             fillBytes(windowBegin_, windowSize(), Fill::random, random);
         if (argument.largest)
             limitWords(start_ - before_, whole, argument.largest);
-        copy();
-    }
-
-    // Takes over the oracle's input for a destination that is identical to this source.
-    void copy()
-    {
-        const std::size_t lead = static_cast<std::size_t>(start_ - windowBegin_);
-        copyLead_ = lead + (64 - lead % 64) % 64; // the row itself is aligned in the copy
-        copy_.resize(copyLead_ + windowSize() - lead + 64);
-        copyBase_ = copy_.data() + (64 - reinterpret_cast<std::uintptr_t>(copy_.data()) % 64) % 64;
-        std::memcpy(copyBase_ + copyLead_ - lead, windowBegin_, windowSize());
+        copyForOracle();
     }
 
     std::uint8_t *start() const { return start_; }
-    std::uint8_t *copyStart() { return copyBase_ + copyLead_; }
+    std::uint8_t *copyStart() { return copyStart_; }
     std::size_t bytes() const { return bytes_; }
 
     // The first byte of the window that differs from the oracle's, relative to the row's start.
     std::optional<std::ptrdiff_t> difference()
     {
-        const std::size_t lead = static_cast<std::size_t>(start_ - windowBegin_);
-        const auto [mine, theirs] = std::mismatch(windowBegin_, windowEnd_, copyStart() - lead);
+        const auto [mine, theirs] = std::mismatch(windowBegin_, windowEnd_, copyStart_ - lead());
         if (mine == windowEnd_)
             return std::nullopt;
         return mine - start_;
     }
 
 private:
+    static constexpr std::size_t copyAlignment = 64;
+
     std::size_t windowSize() const { return static_cast<std::size_t>(windowEnd_ - windowBegin_); }
+    std::size_t lead() const { return static_cast<std::size_t>(start_ - windowBegin_); } // of the window before the row
+
+    // The same bytes, with the row aligned for whatever type the oracle reads.
+    void copyForOracle()
+    {
+        copy_.resize(windowSize() + copyAlignment);
+        copyStart_ = copy_.data() + lead();
+        copyStart_ += (copyAlignment - reinterpret_cast<std::uintptr_t>(copyStart_) % copyAlignment) % copyAlignment;
+        std::memcpy(copyStart_ - lead(), windowBegin_, windowSize());
+    }
 
     GuardedBuffer guarded_;
     std::uint8_t *start_ = nullptr;
@@ -155,8 +156,7 @@ private:
     std::size_t bytes_ = 0;
     std::size_t after_ = 0;
     std::vector<std::uint8_t> copy_;
-    std::uint8_t *copyBase_ = nullptr;
-    std::size_t copyLead_ = 0;
+    std::uint8_t *copyStart_ = nullptr;
 };
 
 bool isRow(const Argument &argument)
