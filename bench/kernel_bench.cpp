@@ -206,8 +206,8 @@ struct OracleBuild {
 const void *oracleFor(const std::string &family, const TierKernels &tier)
 {
     static const OracleBuild builds[] = {
-        {VCB_CPU_AVX2, {{"colorspace", &oracleAvx2::colorSpaceProcs}, {"video", &oracleAvx2::videoProcs}}},
-        {VCB_CPU_SSE2, {{"colorspace", &oracleSse2::colorSpaceProcs}, {"video", &oracleSse2::videoProcs}}},
+        {VCB_CPU_AVX2, {{"colorspace", &oracleAVX2::colorSpaceProcs}, {"video", &oracleAVX2::videoProcs}}},
+        {VCB_CPU_SSE2, {{"colorspace", &oracleSSE2::colorSpaceProcs}, {"video", &oracleSSE2::videoProcs}}},
     };
     for (const OracleBuild &build : builds)
         if (tier.needs >= build.needs)
