@@ -149,7 +149,7 @@ void DirectoryWalk::removeCurrent() noexcept
 
 namespace {
 
-constexpr std::size_t largestConfig = 1 << 20; // a larger file is none of ours
+constexpr off_t largestConfig = 1 << 20; // a larger file is none of ours
 
 struct ConfigFile {
     enum { missing, readable, unreadable } state = unreadable;
@@ -157,9 +157,10 @@ struct ConfigFile {
     struct stat status = {};
 };
 
-bool readAll(int descriptor, std::string &text)
+// Reads a file of the given size; false if it holds more by now.
+bool readAll(int descriptor, std::size_t size, std::string &text)
 {
-    text.resize(largestConfig + 1);
+    text.resize(size + 1);
     std::size_t length = 0;
     while (length < text.size()) {
         const ssize_t count = ::read(descriptor, text.data() + length, text.size() - length);
@@ -172,7 +173,7 @@ bool readAll(int descriptor, std::string &text)
         length += static_cast<std::size_t>(count);
     }
     text.resize(length);
-    return length <= largestConfig;
+    return length <= size;
 }
 
 ConfigFile readConfig(const std::string &path)
@@ -183,7 +184,8 @@ ConfigFile readConfig(const std::string &path)
     if (!descriptor.isOpen())
         file.state = errno == ENOENT ? ConfigFile::missing : ConfigFile::unreadable;
     else if (::fstat(descriptor.get(), &file.status) == 0 && S_ISREG(file.status.st_mode) &&
-             readAll(descriptor.get(), file.text))
+             file.status.st_size <= largestConfig &&
+             readAll(descriptor.get(), static_cast<std::size_t>(file.status.st_size), file.text))
         file.state = ConfigFile::readable;
     return file;
 }
