@@ -70,7 +70,6 @@ template <class Vector> inline Vector select(Vector mask, Vector a, Vector b)
 
 inline u16s operator+(u16s a, u16s b) { return {_mm256_add_epi16(a.v, b.v)}; }
 inline u16s twice(u16s a) { return a + a; }
-template <int bits> inline u16s shiftLeft(u16s a) { return {_mm256_slli_epi16(a.v, bits)}; }
 template <int bits> inline u16s shiftRight(u16s a) { return {_mm256_srli_epi16(a.v, bits)}; }
 template <int bits> inline u32s shiftLeft(u32s a) { return {_mm256_slli_epi32(a.v, bits)}; }
 template <int bits> inline u32s shiftRight(u32s a) { return {_mm256_srli_epi32(a.v, bits)}; }

@@ -8,14 +8,15 @@
 
 namespace {
 
-// A run of n bytes, fewer than a register holds, as its first and its last bytes: the longest power of two that fits,
-// taken at both ends. Lane by lane work needs no more, and a store of both ends puts the run back together.
 template <class Piece> inline Piece loadPiece(const uint8_t *from)
 {
     Piece piece;
     memcpy(&piece, from, sizeof(piece));
     return piece;
 }
+
+// A run of n bytes, fewer than a register holds, as its first and its last bytes: the longest power of two that fits,
+// taken at both ends. Lane by lane work needs no more, and a store of both ends puts the run back together.
 inline __m128i loadEnds16(const uint8_t *from, ptrdiff_t n)
 {
     if (n >= 8)

@@ -52,7 +52,6 @@ template <class Vector> inline Vector select(Vector mask, Vector a, Vector b)
 inline u16s operator+(u16s a, u16s b) { return {_mm_add_epi16(a.v, b.v)}; }
 // An addition: more units of a processor add than shift.
 inline u16s twice(u16s a) { return a + a; }
-template <int bits> inline u16s shiftLeft(u16s a) { return {_mm_slli_epi16(a.v, bits)}; }
 template <int bits> inline u16s shiftRight(u16s a) { return {_mm_srli_epi16(a.v, bits)}; }
 template <int bits> inline u32s shiftLeft(u32s a) { return {_mm_slli_epi32(a.v, bits)}; }
 template <int bits> inline u32s shiftRight(u32s a) { return {_mm_srli_epi32(a.v, bits)}; }
