@@ -13,7 +13,7 @@ void SharpenU8(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count)
 {
     const u8s zero = splat8(0);
     const u8s one = splat8(1);
-    mapBytes(
+    map<u8s>(
         dst, count,
         [zero, one](u8s x, u8s y) {
             const u8s p = subtractLimited(x, y);

@@ -7,7 +7,7 @@ namespace {
 // 16 bits.
 void SharpenU8(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count)
 {
-    mapBytes(
+    map<u8s>(
         dst, count, [](u8s x, u8s y) { return narrow(shiftRightRounded<5>(weightedSum<42, -10>(x, y))); }, a, b);
 }
 
