@@ -5,7 +5,8 @@
  *                 points to them. A VCB_Reg... export writes the best kernel for the running processor into
  *                 every slot that is still null, and never changes a slot that is set. Start with zeroed
  *                 tables; put functions of your own into slots that you want to keep.
- *  2. Arguments.  Destinations, then sources, then the count or width, then parameters.
+ *  2. Arguments.  Destinations, then sources, then the count or width, then parameters; in the memory family the
+ *                 count comes last.
  *  3. Counts.     The type and unit of a count stand in the slot's line. A count of zero writes nothing; so
  *                 does a negative count where the count is signed.
  *  4. Alignment.  Pointers to rows need no alignment, whatever their type. Mat4 and Vec4 need 16 bytes.

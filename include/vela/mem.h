@@ -1,4 +1,19 @@
-/* Memory and audio samples: copies, fills, sample formats, arithmetic, reductions, counts. */
+/*
+ * Memory and audio samples: copies, fills, sample formats, arithmetic, reductions, counts.
+ *
+ * Conventions of the family, besides those of vela/base.h. They hold for every slot unless its line says otherwise.
+ *   Arguments  destinations, sources, parameters, and the count last.
+ *   Counts     in elements of the arrays. A count of 0, or a negative one where the type is signed, writes nothing
+ *              and returns 0.
+ *   Overlap    a destination may equal a source whose elements are as large, if its element i depends on no element
+ *              of that source but i. Any other overlap is excluded; sources may overlap each other.
+ *   Integers   exact; >> is arithmetic; a value that its destination does not hold wraps. A sum of integers is exact
+ *              in 64 bits before it is converted or reduced. sat16(t) is t limited to -32768..32767.
+ *   Floats     every operation that is written rounds once, to nearest even, in the order of the formula; so does the
+ *              conversion of an integer. Tiers give the same bits, but for sign and payload of a NaN.
+ *   S24        packed 24-bit samples: three bytes, lowest first, signed; sample i begins at byte 3 * i. Counts are in
+ *              samples.
+ */
 #ifndef VELA_MEM_H
 #define VELA_MEM_H
 
