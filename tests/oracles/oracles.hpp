@@ -3,12 +3,20 @@
 #pragma once
 
 #include <vela/colorspace.h>
+#include <vela/mem.h>
 #include <vela/video.h>
 
-#define DECLARE_ORACLES(name)                        \
-    namespace vela::test::name {                     \
-    extern const VcbColorSpaceProcs colorSpaceProcs; \
-    extern const VcbVideoProcs videoProcs;           \
+#define DECLARE_ORACLES(name)                              \
+    namespace vela::test::name {                           \
+    extern const VcbColorSpaceProcs colorSpaceProcs;       \
+    extern const VcbMemOrderOps memOrderOps;               \
+    extern const VcbMemInPlaceOrderOps memInPlaceOrderOps; \
+    extern const VcbMemFillOps memFillOps;                 \
+    extern const VcbMemArithOps memArithOps;               \
+    extern const VcbSampleFormatOps sampleFormatOps;       \
+    extern const VcbMemCompareOps memCompareOps;           \
+    extern const VcbMemMiscOps memMiscOps;                 \
+    extern const VcbVideoProcs videoProcs;                 \
     }
 
 DECLARE_ORACLES(oracle)

@@ -4,6 +4,10 @@
 
 #include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/packed_yuv.h"
+#include "mem/kernels/pending_bytes.h"
+#include "mem/kernels/pending_floats.h"
+#include "mem/kernels/pending_formats.h"
+#include "mem/kernels/pending_moves.h"
 #include "video/kernels/sharpen_bytes.h"
 #include "video/kernels/smooth.h"
 
@@ -11,6 +15,41 @@
 
 #define VELA_SUBTABLE_LIST "vela/slots/color_space_procs.def"
 extern constinit const VcbColorSpaceProcs vela::test::colorSpaceProcsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/mem_order_ops.def"
+extern constinit const VcbMemOrderOps vela::test::memOrderOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/mem_in_place_order_ops.def"
+extern constinit const VcbMemInPlaceOrderOps vela::test::memInPlaceOrderOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/mem_fill_ops.def"
+extern constinit const VcbMemFillOps vela::test::memFillOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/mem_arith_ops.def"
+extern constinit const VcbMemArithOps vela::test::memArithOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/sample_format_ops.def"
+extern constinit const VcbSampleFormatOps vela::test::sampleFormatOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/mem_compare_ops.def"
+extern constinit const VcbMemCompareOps vela::test::memCompareOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/mem_misc_ops.def"
+extern constinit const VcbMemMiscOps vela::test::memMiscOpsWide = {
 #include "frame/every_slot.h"
 };
 
