@@ -6,15 +6,18 @@ extern "C" void VCB_CALL VCB_RegMemProc(VcbMemProcTables *tables) noexcept
     using vela::frame::registerSubTable;
     using vela::frame::Tier;
     static constexpr Tier<VcbMemOrderOps> orderOps[] = {
+        {VCB_CPU_AVX2, &vela::memOrderOpsAvx2},
         {VCB_CPU_SSE2, &vela::memOrderOpsSse2},
     };
     static constexpr Tier<VcbMemInPlaceOrderOps> inPlaceOrderOps[] = {
         {VCB_CPU_SSE2, &vela::memInPlaceOrderOpsSse2},
     };
     static constexpr Tier<VcbMemFillOps> fillOps[] = {
+        {VCB_CPU_AVX2, &vela::memFillOpsAvx2},
         {VCB_CPU_SSE2, &vela::memFillOpsSse2},
     };
     static constexpr Tier<VcbMemArithOps> arithOps[] = {
+        {VCB_CPU_AVX2, &vela::memArithOpsAvx2},
         {VCB_CPU_SSE2, &vela::memArithOpsSse2},
     };
     static constexpr Tier<VcbSampleFormatOps> sampleFormatOps[] = {
@@ -24,6 +27,8 @@ extern "C" void VCB_CALL VCB_RegMemProc(VcbMemProcTables *tables) noexcept
         {VCB_CPU_SSE2, &vela::memCompareOpsSse2},
     };
     static constexpr Tier<VcbMemMiscOps> miscOps[] = {
+        {VCB_CPU_AVX2, &vela::memMiscOpsAvx2},
+        {VCB_CPU_SSSE3, &vela::memMiscOpsSsse3},
         {VCB_CPU_SSE2, &vela::memMiscOpsSse2},
     };
     vela::frame::cpuLevel();

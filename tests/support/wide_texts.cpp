@@ -4,10 +4,7 @@
 
 #include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/packed_yuv.h"
-#include "mem/kernels/pending_bytes.h"
-#include "mem/kernels/pending_floats.h"
-#include "mem/kernels/pending_formats.h"
-#include "mem/kernels/pending_moves.h"
+#include "mem/kernels.h"
 #include "video/kernels/sharpen_bytes.h"
 #include "video/kernels/smooth.h"
 

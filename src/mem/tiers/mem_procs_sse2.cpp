@@ -2,10 +2,7 @@
 
 #include "simd/loops.h"
 
-#include "mem/kernels/pending_bytes.h"
-#include "mem/kernels/pending_floats.h"
-#include "mem/kernels/pending_formats.h"
-#include "mem/kernels/pending_moves.h"
+#include "mem/kernels.h"
 
 #include "mem/tiers.hpp"
 

@@ -1,0 +1,10 @@
+// All kernel texts of the memory family, for every tier alike: a tier's table names those that it ships.
+#pragma once
+
+#include "mem/kernels/pending_bytes.h"
+
+#include "mem/kernels/pending_floats.h"
+
+#include "mem/kernels/pending_formats.h"
+
+#include "mem/kernels/pending_moves.h"
