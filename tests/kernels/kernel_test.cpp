@@ -112,6 +112,21 @@ TEST(SlotLists, EveryCaseBelongsToATable)
     EXPECT_EQ(distributed, allCases().size());
 }
 
+TEST(SlotLists, ATierMayHaveResultsOfItsOwn)
+{
+    VcbVideoProcs base{};
+    VcbVideoProcs ofTier{};
+    base.SharpenU8 = [](uint8_t *, const uint8_t *, const uint8_t *, int32_t) {};
+    base.SmoothRows121U8 = [](uint16_t *, const uint8_t *, const uint8_t *, const uint8_t *, int32_t) {};
+    ofTier.SharpenU8 = [](uint8_t *, const uint8_t *, const uint8_t *, int32_t) { std::abort(); };
+    const auto sharpen = static_cast<std::size_t>(VcbVideoProcs_SharpenU8);
+    const auto smooth = static_cast<std::size_t>(VcbVideoProcs_SmoothRows121U8);
+    EXPECT_EQ(oracleAt(&base, &ofTier, sharpen), kernelAt(&ofTier, sharpen));
+    EXPECT_EQ(oracleAt(&base, &ofTier, smooth), kernelAt(&base, smooth));
+    EXPECT_EQ(oracleAt(&base, nullptr, sharpen), kernelAt(&base, sharpen));
+    EXPECT_NE(kernelAt(&base, sharpen), kernelAt(&ofTier, sharpen));
+}
+
 TEST(SlotLists, CasesDescribeTheSignature)
 {
     for (const KernelTable &table : tables())
