@@ -16,6 +16,7 @@
 #include <random>
 #include <regex>
 #include <string>
+#include <xmmintrin.h>
 
 namespace vela::test {
 namespace {
@@ -32,14 +33,15 @@ struct Options {
 // A kernel and its oracle on the same rows.
 class Duel {
 public:
-    Duel(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase, const void *oracle,
+    Duel(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase, VcbKernel oracle,
          const Options &options)
-        : family_(table.family), info_(slotInfoOf(table, kernelCase.slot)), tier_(tier.name), case_(kernelCase),
-          kernel_(kernelAt(tier.table, kernelCase.slot)), oracle_(kernelAt(oracle, kernelCase.slot)),
+        : label_(table.label), caseName_(test::caseName(table, kernelCase)), slot_(kernelCase.slot), tier_(tier.name),
+          case_(kernelCase), kernel_(kernelAt(tier.table, kernelCase.slot)), oracle_(oracle),
           count_(options.count ? options.count : countFor(kernelCase, options.rowBytes))
     {
         std::mt19937_64 random(1);
-        for (const Argument &argument : case_.arguments) {
+        for (std::size_t i = 0; i < case_.arguments.size(); ++i) {
+            const Argument &argument = case_.arguments[i];
             switch (argument.kind) {
             case Argument::Kind::count:
                 arguments_.push_back(toBits(count_));
@@ -47,13 +49,16 @@ public:
             case Argument::Kind::number:
                 arguments_.push_back(argument.values.back());
                 break;
+            case Argument::Kind::sourceRows:
+                arguments_.push_back(toBits(makeRows(i, random)));
+                break;
             default:
-                arguments_.push_back(toBits(makeRow(argument, random)));
+                arguments_.push_back(toBits(makeRow(i, argument.items ? itemsOf(argument) : 1, random)));
             }
         }
     }
 
-    std::string name(const char *side) const { return family_ + "/" + info_.name + "/" + tier_ + "/" + side; }
+    std::string name(const char *side) const { return label_ + "/" + caseName_ + "/" + tier_ + "/" + side; }
     void enlist(const Options &options)
     {
         for (const auto &[side, function] : {std::pair{"kernel", kernel_}, {"oracle", oracle_}}) {
@@ -66,40 +71,80 @@ public:
         }
     }
 
-    const std::string &family() const { return family_; }
-    const VcbSlotInfo &info() const { return info_; }
+    const std::string &label() const { return label_; }
+    const std::string &caseName() const { return caseName_; }
+    std::size_t slot() const { return slot_; }
     const std::string &tier() const { return tier_; }
     std::int64_t count() const { return count_; }
-    std::int64_t bytes() const { return bytes_; } // read and written by a call
+    std::int64_t bytes() const { return bytes_; } // of rows that the count lengthens, read and written by a call
 
 private:
-    // The count that makes the largest row about as long as asked.
+    // The count that makes the largest row about as long as asked. Look-up tables have their own length.
     static std::int64_t countFor(const KernelCase &kernelCase, std::int64_t rowBytes)
     {
         constexpr std::int64_t probe = 9600;
         std::int64_t largest = 1;
         for (const Argument &argument : kernelCase.arguments)
             if (argument.bytes)
-                largest = std::max(largest, argument.bytes(probe));
+                largest = std::max(largest, argument.bytes(2 * probe) - argument.bytes(probe));
         return std::max<std::int64_t>(rowBytes * probe / largest, 1);
     }
 
-    std::uint8_t *makeRow(const Argument &argument, std::mt19937_64 &random)
+    std::int64_t itemsOf(const Argument &argument) const
     {
-        const std::int64_t bytes = argument.bytes(count_);
-        bytes_ += bytes;
-        auto &row = rows_.emplace_back(static_cast<std::size_t>(argument.before + bytes + argument.after) + 256);
-        for (std::uint8_t &byte : row)
-            byte = static_cast<std::uint8_t>(random());
-        if (argument.largest) // top bytes small enough for any limit that a case sets
-            for (std::size_t i = 1; i < row.size(); i += 2)
-                row[i] &= 3;
-        const auto address = reinterpret_cast<std::uintptr_t>(row.data() + argument.before);
-        return row.data() + argument.before + (64 - address % 64) % 64;
+        const std::size_t items = *argument.items;
+        return integerOf(case_.arguments[items].values.back(), case_.parameters[items]);
     }
 
-    std::string family_;
-    const VcbSlotInfo &info_;
+    const std::uint8_t *const *makeRows(std::size_t i, std::mt19937_64 &random)
+    {
+        auto &pointers = pointers_.emplace_back();
+        for (std::int64_t row = 0; row < itemsOf(case_.arguments[i]); ++row)
+            pointers.push_back(makeRow(i, 1, random));
+        return pointers.data();
+    }
+
+    std::uint8_t *makeRow(std::size_t i, std::int64_t items, std::mt19937_64 &random)
+    {
+        constexpr std::size_t alignment = 64;
+        const Argument &argument = case_.arguments[i];
+        const std::int64_t bytes = items * argument.bytes(count_);
+        if (argument.bytes(2 * count_) > argument.bytes(count_))
+            bytes_ += bytes;
+        auto &row = rows_.emplace_back(static_cast<std::size_t>(argument.before + bytes + argument.after) + 256);
+        const auto address = reinterpret_cast<std::uintptr_t>(row.data() + argument.before);
+        std::uint8_t *start = row.data() + argument.before + (alignment - address % alignment) % alignment;
+        switch (case_.parameters[i].element) {
+        case Element::integer:
+            for (std::uint8_t &byte : row)
+                byte = static_cast<std::uint8_t>(random());
+            break;
+        case Element::float32:
+            fillWithAudio<float>(start - argument.before, argument.before + bytes + argument.after, random);
+            break;
+        case Element::float64:
+            fillWithAudio<double>(start - argument.before, argument.before + bytes + argument.after, random);
+            break;
+        }
+        if (argument.largest) // top bytes small enough for any limit that a case sets
+            for (std::size_t at = 1; at < row.size(); at += 2)
+                row[at] &= 3;
+        return start;
+    }
+
+    template <class T> static void fillWithAudio(std::uint8_t *row, std::int64_t bytes, std::mt19937_64 &random)
+    {
+        std::uniform_real_distribution<T> samples(-1, 1);
+        constexpr auto size = static_cast<std::int64_t>(sizeof(T));
+        for (std::int64_t at = 0; at + size <= bytes; at += size) {
+            const T sample = samples(random);
+            std::memcpy(row + at, &sample, sizeof(T));
+        }
+    }
+
+    std::string label_;
+    std::string caseName_;
+    std::size_t slot_;
     std::string tier_;
     const KernelCase &case_;
     VcbKernel kernel_;
@@ -108,6 +153,7 @@ private:
     std::int64_t bytes_ = 0;
     std::vector<Bits> arguments_;
     std::vector<std::vector<std::uint8_t>> rows_;
+    std::vector<std::vector<const std::uint8_t *>> pointers_;
 };
 
 // Keeps the median of every benchmark, in nanoseconds of processor time a call, and its spread.
@@ -139,7 +185,7 @@ class Table {
 public:
     explicit Table(bool markdown) : markdown_(markdown)
     {
-        row("family", "slot", "name", "tier", "count", "ns/unit", "GB/s", "x oracle");
+        row("table", "slot", "name", "tier", "count", "ns/unit", "GB/s", "x oracle");
         if (markdown_)
             std::puts("|---|---:|---|---|---:|---:|---:|---:|");
     }
@@ -154,12 +200,12 @@ public:
         std::snprintf(figures[1], sizeof(figures[1]), "%.3f", kernel.median / static_cast<double>(duel.count()));
         std::snprintf(figures[2], sizeof(figures[2]), "%.1f", static_cast<double>(duel.bytes()) / kernel.median);
         std::snprintf(figures[3], sizeof(figures[3]), "%.2f", ratio);
-        row(duel.family(), std::to_string(duel.info().number), duel.info().name, duel.tier(), figures[0], figures[1],
-            figures[2], figures[3]);
-        logs_[duel.family()].push_back(std::log(ratio));
+        row(duel.label(), std::to_string(duel.slot()), duel.caseName(), duel.tier(), figures[0], figures[1], figures[2],
+            figures[3]);
+        logs_[duel.label()].push_back(std::log(ratio));
         if (worstRatio_ == 0 || ratio < worstRatio_) {
             worstRatio_ = ratio;
-            worst_ = duel.family() + " " + duel.info().name + " on " + duel.tier();
+            worst_ = duel.label() + " " + duel.caseName() + " on " + duel.tier();
         }
         variation_ = std::max({variation_, kernel.variation, oracle.variation});
     }
@@ -185,7 +231,7 @@ private:
              const std::string &count, const std::string &time, const std::string &rate, const std::string &ratio) const
     {
         const char *format =
-            markdown_ ? "| %s | %s | %s | %s | %s | %s | %s | %s |\n" : "%-11s %4s  %-26s %-6s %7s %9s %8s %9s\n";
+            markdown_ ? "| %s | %s | %s | %s | %s | %s | %s | %s |\n" : "%-18s %4s  %-26s %-6s %7s %9s %8s %9s\n";
         std::printf(format, family.c_str(), slot.c_str(), name.c_str(), tier.c_str(), count.c_str(), time.c_str(),
                     rate.c_str(), ratio.c_str());
     }
@@ -197,22 +243,32 @@ private:
     double variation_ = 0;
 };
 
+// The oracles as the compiler makes them for an instruction set.
 struct OracleBuild {
     VcbCpuLevel needs;
-    std::map<std::string, const void *> tables; // by family
+    std::map<std::type_index, const void *> tables;
+    std::map<std::type_index, const void *> ofTier; // as TierKernels::oracle
 };
 
-// The oracles as the compiler makes them for the tier's instruction set.
-const void *oracleFor(const std::string &family, const TierKernels &tier)
+const OracleBuild &oracleBuild(const TierKernels &tier)
 {
     static const OracleBuild builds[] = {
-        {VCB_CPU_AVX2, {{"colorspace", &oracleAVX2::colorSpaceProcs}, {"video", &oracleAVX2::videoProcs}}},
-        {VCB_CPU_SSE2, {{"colorspace", &oracleSSE2::colorSpaceProcs}, {"video", &oracleSSE2::videoProcs}}},
+        {VCB_CPU_AVX2,
+         {{typeid(VcbColorSpaceProcs), &oracleAVX2::colorSpaceProcs}, {typeid(VcbVideoProcs), &oracleAVX2::videoProcs}},
+         {}},
+        {VCB_CPU_SSE2,
+         {{typeid(VcbColorSpaceProcs), &oracleSSE2::colorSpaceProcs}, {typeid(VcbVideoProcs), &oracleSSE2::videoProcs}},
+         {}},
     };
-    for (const OracleBuild &build : builds)
-        if (tier.needs >= build.needs)
-            return build.tables.at(family);
-    return nullptr;
+    return *std::find_if(std::begin(builds), std::end(builds) - 1,
+                         [&](const OracleBuild &build) { return tier.needs >= build.needs; });
+}
+
+VcbKernel oracleFor(const KernelTable &table, const TierKernels &tier, std::size_t slot)
+{
+    const OracleBuild &build = oracleBuild(tier);
+    const auto own = build.ofTier.find(table.type);
+    return oracleAt(build.tables.at(table.type), own == build.ofTier.end() ? nullptr : own->second, slot);
 }
 
 int bench(const Options &options)
@@ -225,7 +281,8 @@ int bench(const Options &options)
             for (const TierKernels &tier : table.tiers) {
                 if (!tier.tier || VCB_GetCPUInsHigh() < tier.needs || !kernelAt(tier.table, kernelCase.slot))
                     continue;
-                auto duel = std::make_unique<Duel>(table, tier, kernelCase, oracleFor(table.family, tier), options);
+                auto duel =
+                    std::make_unique<Duel>(table, tier, kernelCase, oracleFor(table, tier, kernelCase.slot), options);
                 if (std::regex_search(duel->name(""), filter))
                     duels.push_back(std::move(duel));
             }
@@ -238,6 +295,9 @@ int bench(const Options &options)
     for (const auto &duel : duels)
         duel->enlist(options);
 
+    // A kernel that multiplies its destination again and again would be timed on denormals in the end.
+    constexpr unsigned flushToZero = 0x8040;
+    _mm_setcsr(_mm_getcsr() | flushToZero);
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
     Table table(options.markdown);
@@ -253,7 +313,7 @@ int main(int argumentCount, char **arguments)
 {
     vela::test::Options options;
     CLI::App app("Times kernels against their oracles. Fails if a kernel is slower than its oracle.");
-    app.add_option("--filter", options.filter, "regular expression on family/name/tier");
+    app.add_option("--filter", options.filter, "regular expression on table/name/tier");
     app.add_option("--row-bytes", options.rowBytes, "length of the largest row")->capture_default_str();
     app.add_option("--count", options.count, "count or width to pass instead");
     app.add_option("--repetitions", options.repetitions, "runs of each, in random turns")->capture_default_str();

@@ -11,17 +11,16 @@ Extent pairsOf(std::int64_t bytes)
     return [bytes](std::int64_t n) { return n / 2 * bytes; };
 }
 
-std::vector<Argument> expand() { return {destination(pairsOf(8)), source(pairsOf(4)), unsignedCount(), alpha()}; }
+std::vector<Argument> expand() { return {destination(pairsOf(8)), source(pairsOf(4)), count(), alpha()}; }
 
 std::vector<Argument> pack()
 {
-    return {destination([](std::int64_t n) { return (n + 1) / 2 * 4; }), source(4), unsignedCount()};
+    return {destination([](std::int64_t n) { return (n + 1) / 2 * 4; }), source(4), count()};
 }
 
-std::vector<Argument> packPlanar(Extent packed, Argument width)
+std::vector<Argument> packPlanar(Extent packed)
 {
-    return {destination(std::move(packed)), source(pairsOf(4)), source(pairsOf(2)), source(pairsOf(2)),
-            std::move(width)};
+    return {destination(std::move(packed)), source(pairsOf(4)), source(pairsOf(2)), source(pairsOf(2)), count()};
 }
 
 // A final pair takes bytes 0, 2, 4 and 6 of the place where it starts.
@@ -37,9 +36,9 @@ std::vector<KernelCase> colorSpaceCases()
         kernelCase<&Procs::PackYuvaToYuyv>(pack()),
         kernelCase<&Procs::ExpandUyvyToYuva>(expand()),
         kernelCase<&Procs::PackYuvaToUyvy>(pack()),
-        kernelCase<&Procs::AppendAlpha24To32>({destination(4), source(3), unsignedCount(), alpha()}),
-        kernelCase<&Procs::PackPlanar16ToYuyv8>(packPlanar(spreadFinalPair, unsignedCount())),
-        kernelCase<&Procs::PackPlanar16ToUyvy8>(packPlanar(pairsOf(4), signedCount())),
+        kernelCase<&Procs::AppendAlpha24To32>({destination(4), source(3), count(), alpha()}),
+        kernelCase<&Procs::PackPlanar16ToYuyv8>(packPlanar(spreadFinalPair)),
+        kernelCase<&Procs::PackPlanar16ToUyvy8>(packPlanar(pairsOf(4))),
     };
 }
 

@@ -2,16 +2,45 @@
 
 #include "support/kernel_check.hpp"
 
+#include <vela/frame.h>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
 
 namespace vela::test {
 namespace {
 
-// A sub-table of our own: dst[i] = (a[i] + b[i] + 1) >> 1, and a sum that returns.
+// A sub-table of our own, one slot for each thing that a signature may ask of the check.
 struct Table {
     void(VCB_CALL *average)(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count);
     uint32_t(VCB_CALL *sum)(const uint8_t *src, uint32_t count);
+    void(VCB_CALL *addSaturating)(int16_t *dst, const int16_t *a, const int16_t *b, uint64_t count);
+    void(VCB_CALL *scale)(float *dst, const float *src, float gain, int32_t count);
+    float(VCB_CALL *total)(const float *src, uint64_t count);
+    void(VCB_CALL *accumulate)(double *dst, const double *src, int64_t count);
+    float(VCB_CALL *energy)(float *sum, const float *src, uint64_t count);
+    void(VCB_CALL *split)(uint16_t *even, uint16_t *odd, const uint16_t *src, uint64_t count);
+    void(VCB_CALL *lookUp)(uint32_t *dst, const uint8_t *indices, const uint32_t *table, int32_t count);
+    uint64_t(VCB_CALL *countBelow)(const uint8_t *src, uint32_t threshold, uint64_t count);
+    void(VCB_CALL *mix)(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count);
 };
+
+// Rows need no alignment.
+template <class T> T at(const T *row, uint64_t i)
+{
+    T value;
+    std::memcpy(&value, reinterpret_cast<const char *>(row) + i * sizeof(T), sizeof(T));
+    return value;
+}
+
+template <class T> void put(T *row, uint64_t i, T value)
+{
+    std::memcpy(reinterpret_cast<char *>(row) + i * sizeof(T), &value, sizeof(T));
+}
 
 void average(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count)
 {
@@ -104,25 +133,280 @@ uint32_t sum(const uint8_t *src, uint32_t count)
 
 uint32_t losesCarry(const uint8_t *src, uint32_t count) { return sum(src, count) & 0xFFFF; }
 
-KernelCase averageCase()
+int16_t saturated(int sum) { return static_cast<int16_t>(std::clamp(sum, -32768, 32767)); }
+
+void addSaturating(int16_t *dst, const int16_t *a, const int16_t *b, uint64_t count)
 {
-    return kernelCase<&Table::average>({destination(1), source(1), source(1), signedCount()}).mayEqual({1, 2});
+    for (uint64_t i = 0; i < count; ++i)
+        put(dst, i, saturated(at(a, i) + at(b, i)));
 }
 
-KernelCase sumCase() { return kernelCase<&Table::sum>({source(1), unsignedCount()}); }
+void wrongInTheLowestPair(int16_t *dst, const int16_t *a, const int16_t *b, uint64_t count)
+{
+    for (uint64_t i = 0; i < count; ++i) {
+        const bool lowest = at(a, i) == -32768 && at(b, i) == -32768;
+        put(dst, i, lowest ? int16_t{0} : saturated(at(a, i) + at(b, i)));
+    }
+}
+
+using Step = float (*)(float);
+
+template <Step step> void scaleWith(float *dst, const float *src, float gain, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        const auto place = static_cast<uint64_t>(i);
+        put(dst, place, step(at(src, place) * gain));
+    }
+}
+
+float unchanged(float x) { return x; }
+float dropsNaN(float x) { return std::isnan(x) ? 0.0F : x; }
+float otherNaN(float x) { return std::isnan(x) ? -std::numeric_limits<float>::quiet_NaN() : x; }
+float losesSignOfZero(float x) { return x == 0 ? 0.0F : x; }
+float flushesDenormals(float x) { return std::fpclassify(x) == FP_SUBNORMAL ? std::copysign(0.0F, x) : x; }
+float limitsInfinity(float x) { return std::isinf(x) ? std::copysign(std::numeric_limits<float>::max(), x) : x; }
+float onlyDenormalsRight(float x) { return std::isnormal(x) ? std::nextafter(x, 0.0F) : x; }
+
+template <Step step> float totalWith(const float *src, uint64_t count)
+{
+    float sum = 0;
+    for (uint64_t i = 0; i < count; ++i)
+        sum += at(src, i);
+    return step(sum);
+}
+
+void accumulate(double *dst, const double *src, int64_t count)
+{
+    for (int64_t i = 0; i < count; ++i) {
+        const auto place = static_cast<uint64_t>(i);
+        put(dst, place, at(dst, place) + at(src, place));
+    }
+}
+
+void overwrites(double *dst, const double *src, int64_t count)
+{
+    for (int64_t i = 0; i < count; ++i)
+        put(dst, static_cast<uint64_t>(i), at(src, static_cast<uint64_t>(i)));
+}
+
+void accumulatesInFloat(double *dst, const double *src, int64_t count)
+{
+    for (int64_t i = 0; i < count; ++i) {
+        const auto place = static_cast<uint64_t>(i);
+        const double sum = at(dst, place) + at(src, place);
+        put(dst, place, std::abs(sum) > std::numeric_limits<float>::max() ? std::copysign(HUGE_VAL, sum) : sum);
+    }
+}
+
+void looksAtHalfTheCount(double *dst, const double *src, int64_t count)
+{
+    accumulate(dst, src, static_cast<int32_t>(count));
+}
+
+// Adds to a sum that is there whatever the count, and returns it.
+float energy(float *sum, const float *src, uint64_t count)
+{
+    for (uint64_t i = 0; i < count; ++i)
+        put(sum, 0, at(sum, 0) + at(src, i) * at(src, i));
+    return at(sum, 0);
+}
+
+float returnsNothingForNothing(float *sum, const float *src, uint64_t count)
+{
+    return count ? energy(sum, src, count) : 0.0F;
+}
+
+void split(uint16_t *even, uint16_t *odd, const uint16_t *src, uint64_t count)
+{
+    for (uint64_t i = 0; i < count; ++i) {
+        put(even, i, at(src, 2 * i));
+        put(odd, i, at(src, 2 * i + 1));
+    }
+}
+
+void losesAnOddOne(uint16_t *even, uint16_t *odd, const uint16_t *src, uint64_t count)
+{
+    if (count > 9) {
+        const uint16_t kept = at(odd, count - 1);
+        split(even, odd, src, count);
+        put(odd, count - 1, kept);
+    } else {
+        split(even, odd, src, count);
+    }
+}
+
+void writesAnOddOneMore(uint16_t *even, uint16_t *odd, const uint16_t *src, uint64_t count)
+{
+    split(even, odd, src, count);
+    if (count > 0)
+        put(odd - 1, 0, uint16_t{0});
+}
+
+void lookUp(uint32_t *dst, const uint8_t *indices, const uint32_t *table, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i)
+        put(dst, static_cast<uint64_t>(i), at(table, indices[i]));
+}
+
+void readsBehindTheTable(uint32_t *dst, const uint8_t *indices, const uint32_t *table, int32_t count)
+{
+    lookUp(dst, indices, table, count);
+    if (count > 0)
+        sink = reinterpret_cast<const uint8_t *>(table)[1024];
+}
+
+void readsTheTableForNothing(uint32_t *dst, const uint8_t *indices, const uint32_t *table, int32_t count)
+{
+    sink = reinterpret_cast<const uint8_t *>(table)[0];
+    lookUp(dst, indices, table, count);
+}
+
+uint64_t countBelow(const uint8_t *src, uint32_t threshold, uint64_t count)
+{
+    return static_cast<uint64_t>(std::count_if(src, src + count, [=](uint8_t x) { return x < threshold; }));
+}
+
+uint64_t wrongWithoutPopcnt(const uint8_t *src, uint32_t threshold, uint64_t count)
+{
+    const uint64_t below = countBelow(src, threshold, count);
+    return !g_CPUID.popcnt && count > 100 ? below & 0x7F : below;
+}
+
+uint64_t wrongWithPopcnt(const uint8_t *src, uint32_t threshold, uint64_t count)
+{
+    const uint64_t below = countBelow(src, threshold, count);
+    return g_CPUID.popcnt && count > 100 ? below & 0x7F : below;
+}
+
+uint64_t countsInBytes(const uint8_t *src, uint32_t threshold, uint64_t count)
+{
+    return std::min<uint64_t>(countBelow(src, threshold, count), 255 * 128);
+}
+
+void mix(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    for (uint64_t i = 0; i < count; ++i) {
+        float sum = 0;
+        for (int32_t k = 0; k < inputs; ++k)
+            sum += static_cast<float>(src[k][i]) * at(weights, static_cast<uint64_t>(k));
+        dst[i] = static_cast<uint8_t>(sum > 0 ? std::min(sum, 255.0F) : 0.0F);
+    }
+}
+
+void readsARowTooFar(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    mix(dst, src, weights, inputs, count);
+    if (inputs > 1 && count > 0)
+        sink = src[inputs - 1][count];
+}
+
+void readsAPointerTooMany(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    mix(dst, src, weights, inputs, count);
+    if (inputs > 0 && count > 0)
+        sink = static_cast<uint8_t>(reinterpret_cast<uintptr_t>(src[inputs]));
+}
+
+void readsAWeightTooMany(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    mix(dst, src, weights, inputs, count);
+    if (inputs > 0 && count > 0)
+        sink = reinterpret_cast<const uint8_t *>(weights)[sizeof(float) * static_cast<uint64_t>(inputs)];
+}
+
+void leavesOutTheFifth(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    mix(dst, src, weights, std::min(inputs, 4), count);
+}
+
+void changesARow(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    mix(dst, src, weights, inputs, count);
+    if (inputs == 3 && count > 30 && src[2] != dst)
+        const_cast<uint8_t *>(src[2])[30] ^= 1;
+}
+
+// Correct unless dst is one of the rows: reads them once for each input.
+void writesBeforeItReads(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
+{
+    mix(dst, src, weights, inputs, count);
+    mix(dst, src, weights, inputs, count);
+}
+
+KernelCase averageCase()
+{
+    return kernelCase<&Table::average>({destination(1), source(1), source(1), count()}).mayEqual({1, 2});
+}
+
+KernelCase sumCase() { return kernelCase<&Table::sum>({source(1), count()}); }
+
+KernelCase addSaturatingCase()
+{
+    return kernelCase<&Table::addSaturating>({destination(2), source(2), source(2), count()}).mayEqual({1, 2});
+}
+
+KernelCase scaleCase()
+{
+    const Argument gains = numbers<float>({0, -1, 0.7F, 1});
+    return kernelCase<&Table::scale>({destination(4), source(4), gains, count()}).mayEqual({1});
+}
+
+KernelCase totalCase() { return kernelCase<&Table::total>({source(4), count()}); }
+KernelCase accumulateCase() { return kernelCase<&Table::accumulate>({destination(8), source(8), count()}); }
+KernelCase energyCase() { return kernelCase<&Table::energy>({standingDestination(4), source(4), count()}); }
+KernelCase splitCase() { return kernelCase<&Table::split>({destination(2), destination(2), source(4), count()}); }
+
+KernelCase lookUpCase() { return kernelCase<&Table::lookUp>({destination(4), source(1), fixedSource(1024), count()}); }
+
+KernelCase countBelowCase()
+{
+    return kernelCase<&Table::countBelow>({source(1), number({0, 1, 128, 256}), count()}).readsPopcnt();
+}
+
+KernelCase mixCase()
+{
+    const Argument inputs = numbers<int32_t>({-1, 0, 1, 2, 3, 5});
+    return kernelCase<&Table::mix>({destination(1), sourceRows(1, 3), sourcePerInput(4, 3), inputs, count()})
+        .mayEqual({1});
+}
 
 template <class Function> VcbKernel untyped(Function *function) { return reinterpret_cast<VcbKernel>(function); }
 
-TEST(KernelCheck, AcceptsACorrectKernel)
+TEST(KernelCheck, AcceptsCorrectKernels)
 {
-    const CheckResult result = checkKernel(averageCase(), untyped(average), untyped(average), {});
-    EXPECT_FALSE(result.finding) << result.finding->text;
-    EXPECT_GT(result.runs, 1000u);
-    EXPECT_FALSE(checkKernel(sumCase(), untyped(sum), untyped(sum), {}).finding);
+    const struct {
+        KernelCase shape;
+        VcbKernel kernel;
+        VcbKernel oracle;
+    } correct[] = {
+        {averageCase(), untyped(average), untyped(average)},
+        {sumCase(), untyped(sum), untyped(sum)},
+        {addSaturatingCase(), untyped(addSaturating), untyped(addSaturating)},
+        {scaleCase(), untyped(scaleWith<unchanged>), untyped(scaleWith<unchanged>)},
+        {scaleCase(), untyped(scaleWith<otherNaN>), untyped(scaleWith<unchanged>)},
+        {totalCase(), untyped(totalWith<otherNaN>), untyped(totalWith<unchanged>)},
+        {accumulateCase(), untyped(accumulate), untyped(accumulate)},
+        {energyCase(), untyped(energy), untyped(energy)},
+        {splitCase(), untyped(split), untyped(split)},
+        {lookUpCase(), untyped(lookUp), untyped(lookUp)},
+        {countBelowCase(), untyped(countBelow), untyped(countBelow)},
+        {mixCase(), untyped(mix), untyped(mix)},
+    };
+    for (const auto &c : correct) {
+        for (const bool quick : {false, true}) {
+            CheckPlan plan;
+            plan.quick = quick;
+            const CheckResult result = checkKernel(c.shape, c.kernel, c.oracle, plan);
+            EXPECT_FALSE(result.finding) << "slot " << c.shape.slot << ": " << result.finding->text;
+            EXPECT_GT(result.runs, quick ? 500u : 3000u);
+        }
+    }
 }
 
 TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
 {
+    const VcbKernel scale = untyped(scaleWith<unchanged>);
+    const VcbKernel total = untyped(totalWith<unchanged>);
     const struct {
         const char *name;
         KernelCase shape;
@@ -142,6 +426,31 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
         {"fails in place", averageCase(), untyped(failsInPlace), untyped(average), Fault::wrongResult},
         {"takes negative for large", averageCase(), untyped(takesNegativeForLarge), untyped(average), Fault::crash},
         {"returns too little", sumCase(), untyped(losesCarry), untyped(sum), Fault::wrongReturn},
+        {"is wrong in the lowest pair", addSaturatingCase(), untyped(wrongInTheLowestPair), untyped(addSaturating),
+         Fault::wrongResult},
+        {"loses NaN", scaleCase(), untyped(scaleWith<dropsNaN>), scale, Fault::wrongResult},
+        {"is wrong in -0", scaleCase(), untyped(scaleWith<losesSignOfZero>), scale, Fault::wrongResult},
+        {"flushes denormals", scaleCase(), untyped(scaleWith<flushesDenormals>), scale, Fault::wrongResult},
+        {"limits infinity", scaleCase(), untyped(scaleWith<limitsInfinity>), scale, Fault::wrongResult},
+        {"returns a wrong low bit", totalCase(), untyped(totalWith<onlyDenormalsRight>), total, Fault::wrongReturn},
+        {"returns no NaN", totalCase(), untyped(totalWith<dropsNaN>), total, Fault::wrongReturn},
+        {"returns no denormal", totalCase(), untyped(totalWith<flushesDenormals>), total, Fault::wrongReturn},
+        {"overwrites a sum", accumulateCase(), untyped(overwrites), untyped(accumulate), Fault::wrongResult},
+        {"goes through float", accumulateCase(), untyped(accumulatesInFloat), untyped(accumulate), Fault::wrongResult},
+        {"looks at half the count", accumulateCase(), untyped(looksAtHalfTheCount), untyped(accumulate), Fault::crash},
+        {"drops the sum of nothing", energyCase(), untyped(returnsNothingForNothing), untyped(energy),
+         Fault::wrongReturn},
+        {"loses an odd one", splitCase(), untyped(losesAnOddOne), untyped(split), Fault::wrongResult},
+        {"reads behind the table", lookUpCase(), untyped(readsBehindTheTable), untyped(lookUp), Fault::crash},
+        {"reads the table for nothing", lookUpCase(), untyped(readsTheTableForNothing), untyped(lookUp), Fault::crash},
+        {"needs POPCNT", countBelowCase(), untyped(wrongWithoutPopcnt), untyped(countBelow), Fault::wrongReturn},
+        {"counts in bytes", countBelowCase(), untyped(countsInBytes), untyped(countBelow), Fault::wrongReturn},
+        {"reads a row too far", mixCase(), untyped(readsARowTooFar), untyped(mix), Fault::crash},
+        {"reads a pointer too many", mixCase(), untyped(readsAPointerTooMany), untyped(mix), Fault::crash},
+        {"reads a weight too many", mixCase(), untyped(readsAWeightTooMany), untyped(mix), Fault::crash},
+        {"leaves out the fifth row", mixCase(), untyped(leavesOutTheFifth), untyped(mix), Fault::wrongResult},
+        {"changes a row", mixCase(), untyped(changesARow), untyped(mix), Fault::changedSource},
+        {"writes before it reads", mixCase(), untyped(writesBeforeItReads), untyped(mix), Fault::wrongResult},
     };
     for (const auto &f : faulty) {
         for (const std::uint64_t seed : {1u, 2u, 3u}) {
@@ -157,6 +466,52 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
                 EXPECT_NE(result.finding->text.find("count"), std::string::npos);
             }
         }
+    }
+}
+
+// Outside its row a destination may not be touched, and at the start of the second one a write before it may fall on
+// the guard page.
+TEST(KernelCheck, WatchesEveryDestination)
+{
+    const CheckResult result = checkKernel(splitCase(), untyped(writesAnOddOneMore), untyped(split), {});
+    ASSERT_TRUE(result.finding);
+    EXPECT_EQ(result.finding->fault, Fault::wroteOutside);
+    EXPECT_NE(result.finding->text.find("argument 1, byte -2"), std::string::npos) << result.finding->text;
+}
+
+// A setting that the processor does not have is never tried, and the one it has comes back.
+TEST(KernelCheck, SetsPopcntForItsTrialsOnly)
+{
+    VCB_GetCPUInsHigh();
+    const uint8_t detected = g_CPUID.popcnt;
+    const CheckResult result = checkKernel(countBelowCase(), untyped(wrongWithPopcnt), untyped(countBelow), {});
+    EXPECT_EQ(result.finding.has_value(), detected != 0);
+    EXPECT_EQ(g_CPUID.popcnt, detected);
+}
+
+TEST(KernelCheck, RefusesCasesThatContradictTheSignature)
+{
+    const Argument gain = numbers<float>({1});
+    EXPECT_EQ(contradiction(scaleCase()), std::nullopt);
+    EXPECT_EQ(contradiction(mixCase()), std::nullopt);
+    const KernelCase wrong[] = {
+        kernelCase<&Table::scale>({destination(4), source(4), gain}),
+        kernelCase<&Table::scale>({source(4), source(4), gain, count()}),
+        kernelCase<&Table::scale>({destination(4), destination(4), gain, count()}),
+        kernelCase<&Table::scale>({destination(4), source(4), count(), gain}),
+        kernelCase<&Table::scale>({destination(4), source(4), number({1}), count()}),
+        kernelCase<&Table::scale>({destination(4), source(4), numbers<double>({1}), count()}),
+        kernelCase<&Table::scale>({destination(4), source(4), numbers<float>({}), count()}),
+        kernelCase<&Table::scale>({destination(4), source(4), gain, count()}).mayEqual({2}),
+        kernelCase<&Table::scale>({destination(4), source(4), gain, count()}).mayEqual({0}),
+        kernelCase<&Table::lookUp>({destination(4), source(1), fixedSource(1024), count()}).mayEqual({1}),
+        kernelCase<&Table::mix>(
+            {destination(1), sourceRows(1, 4), sourcePerInput(4, 3), numbers<int32_t>({1}), count()}),
+        kernelCase<&Table::mix>({destination(1), source(1), sourcePerInput(4, 3), numbers<int32_t>({1}), count()}),
+    };
+    for (const KernelCase &c : wrong) {
+        EXPECT_NE(contradiction(c), std::nullopt) << "case " << &c - wrong;
+        EXPECT_THROW(static_cast<void>(checkKernel(c, nullptr, nullptr, {})), std::invalid_argument);
     }
 }
 

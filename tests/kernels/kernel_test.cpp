@@ -44,12 +44,12 @@ public:
         CheckPlan plan;
         plan.seed = seed();
         plan.quick = std::getenv("VELA_CHECK_QUICK") != nullptr;
-        const CheckResult result =
-            checkKernel(case_, kernelAt(tier_.table, case_.slot), kernelAt(table_.oracle, case_.slot), plan);
+        const CheckResult result = checkKernel(case_, kernelAt(tier_.table, case_.slot),
+                                               oracleAt(table_.oracle, tier_.oracle, case_.slot), plan);
         ASSERT_GT(result.runs, 0u);
-        const char *name = slotInfoOf(table_, case_.slot).name;
-        EXPECT_FALSE(result.finding) << name << " on " << tier_.name << ": " << faultName(result.finding->fault)
-                                     << "\n  " << result.finding->text << "\n  repeat with: VELA_CHECK_SEED=" << seed()
+        EXPECT_FALSE(result.finding) << caseName(table_, case_) << " on " << tier_.name << ": "
+                                     << faultName(result.finding->fault) << "\n  " << result.finding->text
+                                     << "\n  repeat with: VELA_CHECK_SEED=" << seed()
                                      << " kernel_tests --gtest_filter='" << testName(table_, tier_, case_) << "'";
     }
 
@@ -60,7 +60,7 @@ public:
 
     static std::string shortName(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase)
     {
-        return table.family + "_" + slotInfoOf(table, kernelCase.slot).name + "_" + tier.name;
+        return table.label + "_" + caseName(table, kernelCase) + "_" + tier.name;
     }
 
 private:
@@ -85,9 +85,11 @@ TEST(SlotLists, EverySlotHasACaseAndAnOracle)
 {
     for (const KernelTable &table : tables()) {
         std::set<std::size_t> slots;
+        std::set<std::string> names;
         for (const KernelCase &kernelCase : table.cases) {
-            EXPECT_TRUE(slots.insert(kernelCase.slot).second)
-                << table.family << " has two cases for " << kernelCase.slot;
+            slots.insert(kernelCase.slot);
+            EXPECT_TRUE(names.insert(caseName(table, kernelCase)).second)
+                << table.label << " has two cases " << caseName(table, kernelCase);
             EXPECT_TRUE(kernelAt(table.oracle, kernelCase.slot)) << slotInfoOf(table, kernelCase.slot).name;
         }
         for (const VcbSlotInfo &info : table.slots)
@@ -95,17 +97,41 @@ TEST(SlotLists, EverySlotHasACaseAndAnOracle)
     }
 }
 
+TEST(SlotLists, EveryCaseBelongsToATable)
+{
+    std::set<std::string> labels;
+    std::size_t distributed = 0;
+    for (const KernelTable &table : tables()) {
+        EXPECT_TRUE(labels.insert(table.label).second) << table.label << " twice";
+        distributed += table.cases.size();
+    }
+    for (const KernelCase &kernelCase : allCases())
+        EXPECT_TRUE(std::any_of(tables().begin(), tables().end(),
+                                [&](const KernelTable &table) { return table.type == kernelCase.table; }))
+            << "no table of type " << kernelCase.table.name() << " for the case of its slot " << kernelCase.slot;
+    EXPECT_EQ(distributed, allCases().size());
+}
+
+TEST(SlotLists, ATierMayHaveResultsOfItsOwn)
+{
+    VcbVideoProcs base{};
+    VcbVideoProcs ofTier{};
+    base.SharpenU8 = [](uint8_t *, const uint8_t *, const uint8_t *, int32_t) {};
+    base.SmoothRows121U8 = [](uint16_t *, const uint8_t *, const uint8_t *, const uint8_t *, int32_t) {};
+    ofTier.SharpenU8 = [](uint8_t *, const uint8_t *, const uint8_t *, int32_t) { std::abort(); };
+    const auto sharpen = static_cast<std::size_t>(VcbVideoProcs_SharpenU8);
+    const auto smooth = static_cast<std::size_t>(VcbVideoProcs_SmoothRows121U8);
+    EXPECT_EQ(oracleAt(&base, &ofTier, sharpen), kernelAt(&ofTier, sharpen));
+    EXPECT_EQ(oracleAt(&base, &ofTier, smooth), kernelAt(&base, smooth));
+    EXPECT_EQ(oracleAt(&base, nullptr, sharpen), kernelAt(&base, sharpen));
+    EXPECT_NE(kernelAt(&base, sharpen), kernelAt(&ofTier, sharpen));
+}
+
 TEST(SlotLists, CasesDescribeTheSignature)
 {
-    for (const KernelTable &table : tables()) {
-        for (const KernelCase &kernelCase : table.cases) {
-            const char *name = slotInfoOf(table, kernelCase.slot).name;
-            ASSERT_EQ(kernelCase.arguments.size(), kernelCase.pointers.size()) << name;
-            for (std::size_t i = 0; i < kernelCase.pointers.size(); ++i)
-                EXPECT_EQ(kernelCase.pointers[i], static_cast<bool>(kernelCase.arguments[i].bytes))
-                    << name << " argument " << i;
-        }
-    }
+    for (const KernelTable &table : tables())
+        for (const KernelCase &kernelCase : table.cases)
+            EXPECT_EQ(contradiction(kernelCase).value_or(""), "") << caseName(table, kernelCase);
 }
 
 // A tier table holds kernels exactly where the list says so: nothing forgotten, nothing more.
@@ -120,7 +146,7 @@ TEST(SlotLists, TiersProvideWhatTheListSays)
                 promised[static_cast<std::size_t>(info.number)] = (info.tiers & tier.tier) != 0;
             for (std::size_t slot = 0; slot < table.size; ++slot)
                 EXPECT_EQ(kernelAt(tier.table, slot) != nullptr, promised[slot])
-                    << table.family << " slot " << slot << " on " << tier.name;
+                    << table.label << " slot " << slot << " on " << tier.name;
         }
     }
 }
@@ -130,11 +156,11 @@ TEST(SlotLists, EveryKernelHasAnAddressOfItsOwn)
     std::map<VcbKernel, std::string> owners;
     for (const KernelTable &table : tables()) {
         for (const TierKernels &tier : table.tiers) {
-            for (const KernelCase &kernelCase : table.cases) {
-                const VcbKernel kernel = kernelAt(tier.table, kernelCase.slot);
+            for (const VcbSlotInfo &info : table.slots) {
+                const VcbKernel kernel = kernelAt(tier.table, static_cast<std::size_t>(info.number));
                 if (!kernel)
                     continue;
-                const std::string name = KernelTest::shortName(table, tier, kernelCase);
+                const std::string name = table.label + " " + info.name + " on " + tier.name;
                 const auto [owner, isNew] = owners.emplace(kernel, name);
                 EXPECT_TRUE(isNew) << name << " shares its address with " << owner->second;
             }
@@ -154,7 +180,7 @@ TEST(Exhaustive, SharpenOverAllPairs)
     }
     for (const KernelTable &table : tables()) {
         for (const TierKernels &tier : table.tiers) {
-            if (table.family != "video" || VCB_GetCPUInsHigh() < tier.needs)
+            if (table.type != typeid(VcbVideoProcs) || VCB_GetCPUInsHigh() < tier.needs)
                 continue;
             std::vector<uint8_t> out(a.size());
             static_cast<const VcbVideoProcs *>(tier.table)->SharpenU8(out.data(), a.data(), b.data(), 65536);

@@ -7,14 +7,50 @@ namespace {
 
 Extent linear(std::int64_t bytesPerUnit)
 {
-    return [bytesPerUnit](std::int64_t n) { return std::max<std::int64_t>(n, 0) * bytesPerUnit; };
+    return [bytesPerUnit](std::int64_t n) { return n * bytesPerUnit; };
 }
+
+Extent constant(std::int64_t bytes)
+{
+    return [bytes](std::int64_t) { return bytes; };
+}
+
+Argument argumentOf(Argument::Kind kind) { return {.kind = kind, .bytes = {}, .items = {}, .values = {}, .type = {}}; }
 
 Argument row(Argument::Kind kind, Extent bytes)
 {
-    Argument argument{.kind = kind, .bytes = {}, .values = {}};
+    Argument argument = argumentOf(kind);
     argument.bytes = [bytes = std::move(bytes)](std::int64_t n) { return n > 0 ? bytes(n) : 0; };
     return argument;
+}
+
+bool agrees(const Argument &argument, const Parameter &parameter)
+{
+    switch (argument.kind) {
+    case Argument::Kind::destination:
+        return parameter.kind == Parameter::Kind::row;
+    case Argument::Kind::source:
+        return parameter.kind == Parameter::Kind::constRow;
+    case Argument::Kind::sourceRows:
+        return parameter.kind == Parameter::Kind::constRows;
+    case Argument::Kind::count:
+        return parameter.kind == Parameter::Kind::value && parameter.element == Element::integer;
+    case Argument::Kind::number:
+        break;
+    }
+    if (argument.values.empty() || parameter.kind != Parameter::Kind::value)
+        return false;
+    if (!argument.type)
+        return parameter.element == Element::integer;
+    return argument.type->element == parameter.element && argument.type->size == parameter.size;
+}
+
+bool sameLength(const Argument &a, const Argument &b)
+{
+    for (std::int64_t n = -1; n <= 300; ++n)
+        if (a.bytes(n) != b.bytes(n))
+            return false;
+    return !a.before && !a.after && !b.before && !b.after;
 }
 
 } // namespace
@@ -24,26 +60,84 @@ Argument destination(Extent bytes) { return row(Argument::Kind::destination, std
 Argument source(std::int64_t bytesPerUnit) { return source(linear(bytesPerUnit)); }
 Argument source(Extent bytes) { return row(Argument::Kind::source, std::move(bytes)); }
 
-Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest)
+Argument paddedSource(Extent bytes, std::int64_t before, std::int64_t after)
 {
     Argument argument = source(std::move(bytes));
-    argument.before = argument.after = padding;
+    argument.before = before;
+    argument.after = after;
+    return argument;
+}
+
+Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest)
+{
+    Argument argument = paddedSource(std::move(bytes), padding, padding);
     argument.largest = largest;
     return argument;
 }
 
-Argument signedCount()
+Argument fixedSource(std::int64_t bytes) { return source(constant(bytes)); }
+Argument fixedDestination(std::int64_t bytes) { return destination(constant(bytes)); }
+
+Argument standingDestination(std::int64_t bytes)
 {
-    Argument argument{.kind = Argument::Kind::count, .bytes = {}, .values = {}};
-    argument.isSigned = true;
+    Argument argument = argumentOf(Argument::Kind::destination);
+    argument.bytes = constant(bytes);
     return argument;
 }
 
-Argument unsignedCount() { return {.kind = Argument::Kind::count, .bytes = {}, .values = {}}; }
+Argument sourceRows(std::int64_t bytesPerUnit, std::size_t inputs)
+{
+    Argument argument = row(Argument::Kind::sourceRows, linear(bytesPerUnit));
+    argument.items = inputs;
+    return argument;
+}
+
+Argument sourcePerInput(std::int64_t bytes, std::size_t inputs)
+{
+    Argument argument = fixedSource(bytes);
+    argument.items = inputs;
+    return argument;
+}
+
+Argument count() { return argumentOf(Argument::Kind::count); }
 
 Argument number(std::vector<Bits> values)
 {
-    return {.kind = Argument::Kind::number, .bytes = {}, .values = std::move(values)};
+    Argument argument = argumentOf(Argument::Kind::number);
+    argument.values = std::move(values);
+    return argument;
+}
+
+std::optional<std::string> contradiction(const KernelCase &kernelCase)
+{
+    const std::vector<Argument> &arguments = kernelCase.arguments;
+    if (arguments.size() != kernelCase.parameters.size())
+        return std::to_string(arguments.size()) + " arguments for " + std::to_string(kernelCase.parameters.size()) +
+               " parameters";
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string here = "argument " + std::to_string(i);
+        if (!agrees(arguments[i], kernelCase.parameters[i]))
+            return here + " is not what the signature says";
+        const std::optional<std::size_t> items = arguments[i].items;
+        if (items && (*items >= arguments.size() || arguments[*items].kind != Argument::Kind::number ||
+                      kernelCase.parameters[*items].element != Element::integer))
+            return here + " is counted by an argument that is no number";
+    }
+    for (const std::size_t i : kernelCase.inPlace) {
+        const bool isRow = i > 0 && i < arguments.size() && arguments[0].kind == Argument::Kind::destination &&
+                           (arguments[i].kind == Argument::Kind::sourceRows ||
+                            (arguments[i].kind == Argument::Kind::source && !arguments[i].items));
+        if (!isRow || !sameLength(arguments[0], arguments[i]))
+            return "argument " + std::to_string(i) + " is no row as long as the destination, which may equal it";
+    }
+    return std::nullopt;
+}
+
+std::int64_t integerOf(Bits bits, const Parameter &parameter)
+{
+    const std::size_t unused = 64 - 8 * parameter.size;
+    const Bits top = bits << unused;
+    return parameter.isSigned ? static_cast<std::int64_t>(top) >> unused : static_cast<std::int64_t>(top >> unused);
 }
 
 } // namespace vela::test

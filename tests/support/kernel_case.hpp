@@ -1,5 +1,5 @@
-// What the tests and the bench know of a slot: the shape of its arguments. One case per slot serves every tier, the
-// oracle, the check and the bench.
+// What the tests and the bench know of a slot: the shape of its arguments. A case serves every tier, the oracle, the
+// check and the bench.
 #pragma once
 
 #include <vela/base.h>
@@ -7,8 +7,10 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <string_view>
+#include <optional>
+#include <string>
 #include <type_traits>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
@@ -36,13 +38,51 @@ template <class T> Bits toBits(T value)
     return bits;
 }
 
+// What a row, parameter or result consists of, as far as filling and comparing it depends on that.
+enum class Element { integer, float32, float64 };
+
+struct Parameter {
+    enum class Kind { value, row, constRow, constRows };
+
+    Kind kind = Kind::value;
+    Element element = Element::integer; // of the value or of the row
+    std::size_t size = 0;               // of the value or of the row's elements
+    bool isSigned = false;
+
+    bool operator==(const Parameter &) const = default;
+};
+
+template <class T> constexpr Parameter parameterOf(Parameter::Kind kind = Parameter::Kind::value)
+{
+    if constexpr (std::is_void_v<T>) {
+        return {kind, Element::integer, 1, false};
+    } else if constexpr (!std::is_pointer_v<T>) {
+        constexpr bool isFloat = std::is_same_v<std::remove_cv_t<T>, float>;
+        constexpr bool isDouble = std::is_same_v<std::remove_cv_t<T>, double>;
+        return {kind,
+                isFloat    ? Element::float32
+                : isDouble ? Element::float64
+                           : Element::integer,
+                sizeof(T), std::is_signed_v<T>};
+    } else {
+        using Pointee = std::remove_pointer_t<T>;
+        if constexpr (std::is_pointer_v<Pointee>) {
+            static_assert(std::is_const_v<Pointee> && std::is_const_v<std::remove_pointer_t<Pointee>>);
+            return parameterOf<std::remove_pointer_t<Pointee>>(Parameter::Kind::constRows);
+        } else {
+            return parameterOf<Pointee>(std::is_const_v<Pointee> ? Parameter::Kind::constRow : Parameter::Kind::row);
+        }
+    }
+}
+
 // Calls a kernel whose type has been forgotten.
 using Invoke = Bits (*)(VcbKernel, const Bits *);
 
 template <class Function> struct Signature;
 
 template <class Result, class... Arguments> struct Signature<Result(VCB_CALL *)(Arguments...)> {
-    static std::vector<bool> pointers() { return {std::is_pointer_v<Arguments>...}; }
+    static std::vector<Parameter> parameters() { return {parameterOf<Arguments>()...}; }
+    static Parameter result() { return std::is_void_v<Result> ? Parameter{} : parameterOf<Result>(); }
 
     static Bits invoke(VcbKernel kernel, const Bits *arguments)
     {
@@ -64,39 +104,88 @@ template <class Result, class... Arguments> struct Signature<Result(VCB_CALL *)(
 using Extent = std::function<std::int64_t(std::int64_t n)>;
 
 struct Argument {
-    enum class Kind { destination, source, count, number };
+    enum class Kind { destination, source, sourceRows, count, number };
 
     Kind kind;
-    Extent bytes;              // destination, source
-    std::int64_t before = 0;   // bytes that the kernel may read ahead of a source row
-    std::int64_t after = 0;    // and behind it
-    std::uint32_t largest = 0; // if not 0, the largest 16-bit word of a source row
-    bool isSigned = false;     // count: negative values are tried
-    std::vector<Bits> values;  // number: the values to try
+    Extent bytes;                     // rows
+    std::int64_t before = 0;          // bytes that the kernel may read ahead of a source row
+    std::int64_t after = 0;           // and behind it
+    std::uint32_t largest = 0;        // if not 0, the largest 16-bit word of a source row
+    std::optional<std::size_t> items; // the number argument that says how many rows, or how often `bytes`
+    std::vector<Bits> values;         // number: the values to try
+    std::optional<Parameter> type;    // number: their type, where it was given
 };
 
+// Rows of so many bytes a unit of the count, or of any extent. A row does not exist at a count below 1.
 Argument destination(std::int64_t bytesPerUnit);
 Argument destination(Extent bytes);
 Argument source(std::int64_t bytesPerUnit);
 Argument source(Extent bytes);
+
+// A row with neighbours that the kernel may read.
+Argument paddedSource(Extent bytes, std::int64_t before, std::int64_t after);
 Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest);
-Argument signedCount();
-Argument unsignedCount();
+
+// Rows whose length the count does not change: look-up tables, results of a group.
+Argument fixedSource(std::int64_t bytes);
+Argument fixedDestination(std::int64_t bytes);
+Argument standingDestination(std::int64_t bytes); // is there at a count below 1 too
+
+// An array of row pointers and a row of so many bytes for each of them. The number argument at position `inputs` says
+// how many there are.
+Argument sourceRows(std::int64_t bytesPerUnit, std::size_t inputs);
+Argument sourcePerInput(std::int64_t bytes, std::size_t inputs);
+
+// The signature says whether negative counts are to be tried.
+Argument count();
+
+// The last value is the one that the bench uses.
 Argument number(std::vector<Bits> values);
+template <class T> Argument numbers(const std::vector<T> &values)
+{
+    std::vector<Bits> bits;
+    for (const T value : values)
+        bits.push_back(toBits(value));
+    Argument argument = number(std::move(bits));
+    argument.type = parameterOf<T>();
+    return argument;
+}
 
 struct KernelCase {
+    std::type_index table; // the sub-table's type
     std::size_t slot;
     Invoke invoke;
-    std::vector<bool> pointers; // which parameters are pointers, by the signature
+    std::vector<Parameter> parameters; // by the signature
+    Parameter result;                  // of size 0 if there is none
     std::vector<Argument> arguments;
     std::vector<std::size_t> inPlace; // sources that the first argument, the destination, may be identical to
+    bool asksForPopcnt = false;
+    std::string variant;
 
     KernelCase &mayEqual(std::initializer_list<std::size_t> sources)
     {
         inPlace = sources;
         return *this;
     }
+    // The kernel reads g_CPUID.popcnt and must give the same result either way.
+    KernelCase &readsPopcnt()
+    {
+        asksForPopcnt = true;
+        return *this;
+    }
+    // Tells the further cases of one slot apart, whose extents hold for other parameters.
+    KernelCase &named(std::string name)
+    {
+        variant = std::move(name);
+        return *this;
+    }
 };
+
+// What contradicts the signature, or itself, in a case.
+std::optional<std::string> contradiction(const KernelCase &kernelCase);
+
+// An integer argument's value; for a count the sign matters.
+std::int64_t integerOf(Bits bits, const Parameter &parameter);
 
 // The case of one slot, named by its member: kernelCase<&VcbVideoProcs::SharpenU8>({...}).
 template <auto member> KernelCase kernelCase(std::vector<Argument> arguments)
@@ -104,11 +193,14 @@ template <auto member> KernelCase kernelCase(std::vector<Argument> arguments)
     return []<class Table, class Function>(Function Table::*pointer, std::vector<Argument> shapes) {
         static const Table table{};
         const auto offset = reinterpret_cast<const char *>(&(table.*pointer)) - reinterpret_cast<const char *>(&table);
-        return KernelCase{.slot = static_cast<std::size_t>(offset) / sizeof(VcbKernel),
+        return KernelCase{.table = typeid(Table),
+                          .slot = static_cast<std::size_t>(offset) / sizeof(VcbKernel),
                           .invoke = &Signature<Function>::invoke,
-                          .pointers = Signature<Function>::pointers(),
+                          .parameters = Signature<Function>::parameters(),
+                          .result = Signature<Function>::result(),
                           .arguments = std::move(shapes),
-                          .inPlace = {}};
+                          .inPlace = {},
+                          .variant = {}};
     }(member, std::move(arguments));
 }
 

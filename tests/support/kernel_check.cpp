@@ -1,36 +1,20 @@
 #include "support/kernel_check.hpp"
 
+#include "support/fills.hpp"
 #include "support/guarded_buffer.hpp"
 
+#include <vela/frame.h>
+
 #include <algorithm>
-#include <iomanip>
+#include <cmath>
+#include <limits>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
+#include <tuple>
 
 namespace vela::test {
 namespace {
-
-// splitmix64: small, fast, and every seed is a good one.
-class Random {
-public:
-    explicit Random(std::uint64_t seed) : state_(seed) {}
-
-    std::uint64_t next()
-    {
-        std::uint64_t z = state_ += 0x9E3779B97F4A7C15;
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EB;
-        return z ^ (z >> 31);
-    }
-    std::size_t below(std::size_t bound) { return static_cast<std::size_t>(next() % bound); }
-
-private:
-    std::uint64_t state_;
-};
-
-enum class Fill { random, zeros, ones, alternating, nearlyEqual };
-constexpr Fill fills[] = {Fill::random, Fill::zeros, Fill::ones, Fill::alternating, Fill::nearlyEqual};
-constexpr const char *fillNames[] = {"random", "zeros", "ones", "alternating", "nearly equal"};
 
 enum class Side { after, before };
 
@@ -43,45 +27,9 @@ struct Trial {
     Fill fill;
     bool skewed;
     std::size_t inPlace; // index of the source that the destination is identical to; 0: none
+    bool popcnt;         // what g_CPUID says
     std::uint64_t seed;
-
-    std::string describe() const
-    {
-        std::ostringstream text;
-        text << "count " << count << ", rows " << (side == Side::after ? "end" : "start") << " at a guard page"
-             << (skewed ? ", skewed" : "") << ", fill " << fillNames[static_cast<int>(fill)];
-        if (inPlace)
-            text << ", destination = argument " << inPlace;
-        text << ", seed " << seed;
-        return text.str();
-    }
 };
-
-void fillBytes(std::uint8_t *bytes, std::size_t size, Fill fill, Random &random)
-{
-    const std::uint64_t base = (random.next() & 0x7F) * 0x0101010101010101;
-    std::uint64_t piece = 0;
-    for (std::size_t i = 0; i < size; i += sizeof(piece)) {
-        switch (fill) {
-        case Fill::random:
-            piece = random.next();
-            break;
-        case Fill::zeros:
-            piece = 0;
-            break;
-        case Fill::ones:
-            piece = ~std::uint64_t{0};
-            break;
-        case Fill::alternating:
-            piece = 0xFF00FF00FF00FF00;
-            break;
-        case Fill::nearlyEqual:
-            piece = base + (random.next() & 0x0303030303030303);
-            break;
-        }
-        std::memcpy(bytes + i, &piece, std::min(sizeof(piece), size - i));
-    }
-}
 
 void limitWords(std::uint8_t *bytes, std::size_t size, std::uint32_t largest)
 {
@@ -94,29 +42,79 @@ void limitWords(std::uint8_t *bytes, std::size_t size, std::uint32_t largest)
     }
 }
 
-// One row argument: where the kernel sees it, and the oracle's aligned copy.
+template <class T> bool bothNaN(const std::uint8_t *a, const std::uint8_t *b)
+{
+    T values[2];
+    std::memcpy(&values[0], a, sizeof(T));
+    std::memcpy(&values[1], b, sizeof(T));
+    return std::isnan(values[0]) && std::isnan(values[1]);
+}
+
+// Which NaN an operation gives depends on the order of its operands, which the compiler chooses.
+bool bothNaN(Element element, const std::uint8_t *a, const std::uint8_t *b)
+{
+    return element == Element::float32 ? bothNaN<float>(a, b) : element == Element::float64 && bothNaN<double>(a, b);
+}
+
+bool sameResult(const Parameter &type, Bits a, Bits b)
+{
+    return a == b || bothNaN(type.element, reinterpret_cast<std::uint8_t *>(&a), reinterpret_cast<std::uint8_t *>(&b));
+}
+
+std::string valueText(Bits bits, const Parameter &type)
+{
+    std::ostringstream text;
+    text.precision(std::numeric_limits<double>::max_digits10);
+    if (type.element == Element::float32)
+        text << fromBits<float>(bits);
+    else if (type.element == Element::float64)
+        text << fromBits<double>(bits);
+    else
+        text << integerOf(bits, type);
+    return text.str();
+}
+
+// One row: where the kernel sees it, and the oracle's aligned copy.
 class Row {
 public:
     explicit Row(std::size_t largest) : guarded_(largest + 2 * (margin + largestSkew + 1)) {}
 
-    void place(const Argument &argument, const Trial &trial, Random &random)
+    void place(const Argument &argument, const Parameter &type, std::size_t bytes, const Trial &trial, Random &random)
     {
-        const auto bytes = static_cast<std::size_t>(argument.bytes(trial.count));
         // A row of no units has no padding to read either.
-        before_ = bytes ? static_cast<std::size_t>(argument.before) : 0;
-        after_ = bytes ? static_cast<std::size_t>(argument.after) : 0;
+        const std::size_t before = bytes ? static_cast<std::size_t>(argument.before) : 0;
+        const std::size_t after = bytes ? static_cast<std::size_t>(argument.after) : 0;
+        const std::size_t whole = before + bytes + after;
         bytes_ = bytes;
         const std::size_t skew = trial.skewed ? random.below(largestSkew + 1) : 0;
-        const std::size_t whole = before_ + bytes_ + after_;
-        start_ = (trial.side == Side::after ? guarded_.end() - skew - whole : guarded_.begin() + skew) + before_;
+        start_ = (trial.side == Side::after ? guarded_.end() - skew - whole : guarded_.begin() + skew) + before;
+        windowBegin_ = std::max(guarded_.begin(), start_ - before - margin);
+        windowEnd_ = std::min(guarded_.end(), start_ + bytes + after + margin);
 
-        windowBegin_ = std::max(guarded_.begin(), start_ - before_ - margin);
-        windowEnd_ = std::min(guarded_.end(), start_ + bytes_ + after_ + margin);
-        fillBytes(windowBegin_, windowSize(), trial.fill, random);
-        if (argument.kind == Argument::Kind::destination) // canaries, whatever the sources hold
+        if (argument.kind == Argument::Kind::destination) {
+            // Canaries, whatever the sources hold; floats that a kernel adds to may be any.
             fillBytes(windowBegin_, windowSize(), Fill::random, random);
+            if (type.element != Element::integer)
+                fillRow(start_, bytes_, type, random.next() & 1 ? Fill::random : trial.fill, random);
+        } else {
+            fillSpan(windowBegin_, start_ - before, trial.fill, random);
+            fillRow(start_ - before, whole, type, trial.fill, random);
+            fillSpan(start_ + bytes + after, windowEnd_, trial.fill, random);
+        }
         if (argument.largest)
-            limitWords(start_ - before_, whole, argument.largest);
+            limitWords(start_ - before, whole, argument.largest);
+        copyForOracle();
+    }
+
+    // An aligned array of pointers.
+    void place(const std::vector<const std::uint8_t *> &pointers, Side side)
+    {
+        bytes_ = pointers.size() * sizeof(pointers[0]);
+        start_ = side == Side::after ? guarded_.end() - bytes_ : guarded_.begin();
+        windowBegin_ = start_;
+        windowEnd_ = start_ + bytes_;
+        if (bytes_)
+            std::memcpy(start_, pointers.data(), bytes_);
         copyForOracle();
     }
 
@@ -124,17 +122,34 @@ public:
     std::uint8_t *copyStart() { return copyStart_; }
     std::size_t bytes() const { return bytes_; }
 
-    // The first byte of the window that differs from the oracle's, relative to the row's start.
-    std::optional<std::ptrdiff_t> difference()
+    // The first byte of the window that differs from the oracle's, relative to the row's start. Whole elements may be
+    // different NaNs.
+    std::optional<std::ptrdiff_t> difference(const Parameter &type)
     {
-        const auto [mine, theirs] = std::mismatch(windowBegin_, windowEnd_, copyStart_ - lead());
-        if (mine == windowEnd_)
-            return std::nullopt;
-        return mine - start_;
+        const std::uint8_t *mine = windowBegin_;
+        const std::uint8_t *theirs = copyStart_ - lead();
+        for (;;) {
+            std::tie(mine, theirs) = std::mismatch(mine, static_cast<const std::uint8_t *>(windowEnd_), theirs);
+            if (mine == windowEnd_)
+                return std::nullopt;
+            const std::ptrdiff_t at = mine - start_;
+            if (at < 0)
+                return at;
+            const std::size_t element = static_cast<std::size_t>(at) / type.size * type.size;
+            if (element + type.size > bytes_ || !bothNaN(type.element, start_ + element, copyStart_ + element))
+                return at;
+            mine = start_ + element + type.size;
+            theirs = copyStart_ + element + type.size;
+        }
     }
 
 private:
     static constexpr std::size_t copyAlignment = 64;
+
+    static void fillSpan(std::uint8_t *begin, std::uint8_t *end, Fill fill, Random &random)
+    {
+        fillBytes(begin, static_cast<std::size_t>(end - begin), fill, random);
+    }
 
     std::size_t windowSize() const { return static_cast<std::size_t>(windowEnd_ - windowBegin_); }
     std::size_t lead() const { return static_cast<std::size_t>(start_ - windowBegin_); } // of the window before the row
@@ -145,35 +160,56 @@ private:
         copy_.resize(windowSize() + copyAlignment);
         copyStart_ = copy_.data() + lead();
         copyStart_ += (copyAlignment - reinterpret_cast<std::uintptr_t>(copyStart_) % copyAlignment) % copyAlignment;
-        std::memcpy(copyStart_ - lead(), windowBegin_, windowSize());
+        if (windowSize())
+            std::memcpy(copyStart_ - lead(), windowBegin_, windowSize());
     }
 
     GuardedBuffer guarded_;
     std::uint8_t *start_ = nullptr;
     std::uint8_t *windowBegin_ = nullptr;
     std::uint8_t *windowEnd_ = nullptr;
-    std::size_t before_ = 0;
     std::size_t bytes_ = 0;
-    std::size_t after_ = 0;
     std::vector<std::uint8_t> copy_;
     std::uint8_t *copyStart_ = nullptr;
 };
 
 bool isRow(const Argument &argument)
 {
-    return argument.kind == Argument::Kind::destination || argument.kind == Argument::Kind::source;
+    return argument.kind != Argument::Kind::count && argument.kind != Argument::Kind::number;
 }
+
+// What g_CPUID says for the time of a trial.
+class PopcntSetting {
+public:
+    explicit PopcntSetting(bool value) : detected_(g_CPUID.popcnt) { g_CPUID.popcnt = value; }
+    ~PopcntSetting() { g_CPUID.popcnt = detected_; }
+    PopcntSetting(const PopcntSetting &) = delete;
+    PopcntSetting &operator=(const PopcntSetting &) = delete;
+
+private:
+    std::uint8_t detected_;
+};
 
 class Checker {
 public:
     Checker(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, std::int64_t largestCount)
-        : case_(kernelCase), kernel_(kernel), oracle_(oracle)
+        : case_(kernelCase), kernel_(kernel), oracle_(oracle), rows_(case_.arguments.size())
     {
-        for (const Argument &argument : case_.arguments) {
-            rows_.push_back(nullptr);
-            if (isRow(argument))
-                rows_.back() = std::make_unique<Row>(
-                    static_cast<std::size_t>(argument.bytes(largestCount) + argument.before + argument.after));
+        for (std::size_t i = 0; i < rows_.size(); ++i) {
+            const Argument &argument = case_.arguments[i];
+            if (!isRow(argument))
+                continue;
+            std::size_t items = 1;
+            if (argument.items)
+                for (const Bits value : case_.arguments[*argument.items].values)
+                    items = std::max(items, itemsIn(value, *argument.items));
+            const auto bytes = static_cast<std::size_t>(argument.bytes(largestCount));
+            const auto padding = static_cast<std::size_t>(argument.before + argument.after);
+            const bool isArray = argument.kind == Argument::Kind::sourceRows;
+            for (std::size_t row = 0; row < (isArray ? items : 1); ++row)
+                rows_[i].rows.push_back(std::make_unique<Row>((isArray ? bytes : bytes * items) + padding));
+            if (isArray)
+                rows_[i].pointers = std::make_unique<Row>(items * sizeof(void *));
         }
     }
 
@@ -181,122 +217,240 @@ public:
     {
         Random random(trial.seed);
         std::vector<Bits> mine(case_.arguments.size());
-        std::vector<Bits> theirs(case_.arguments.size());
-        for (std::size_t i = 0; i < case_.arguments.size(); ++i) {
+        for (std::size_t i = 0; i < mine.size(); ++i) {
             const Argument &argument = case_.arguments[i];
-            switch (argument.kind) {
-            case Argument::Kind::count:
-                mine[i] = theirs[i] = toBits(trial.count);
-                break;
-            case Argument::Kind::number:
-                mine[i] = theirs[i] = argument.values[random.below(argument.values.size())];
-                break;
-            default:
-                rows_[i]->place(argument, trial, random);
-                mine[i] = toBits(rows_[i]->start());
-                theirs[i] = toBits(rows_[i]->copyStart());
-            }
+            if (argument.kind == Argument::Kind::count)
+                mine[i] = toBits(trial.count);
+            else if (argument.kind == Argument::Kind::number)
+                mine[i] = argument.values[random.below(argument.values.size())];
         }
-        if (trial.inPlace) {
+        std::vector<Bits> theirs = mine;
+        for (std::size_t i = 0; i < mine.size(); ++i)
+            if (isRow(case_.arguments[i]))
+                placeRows(i, trial, mine, theirs, random);
+
+        Row *shared = nullptr;
+        if (trial.inPlace && rows_[trial.inPlace].used) {
             // The kernel's destination is its source; the oracle keeps them apart and its result must be the same.
-            mine[0] = mine[trial.inPlace];
-            std::memcpy(rows_[0]->copyStart(), rows_[trial.inPlace]->start(), rows_[0]->bytes());
+            shared = rows_[trial.inPlace].rows[random.below(rows_[trial.inPlace].used)].get();
+            mine[0] = toBits(shared->start());
+            std::memcpy(rows_[0].rows[0]->copyStart(), shared->start(), shared->bytes());
         }
 
         Bits mineReturned = 0;
-        if (!runsWithoutFault([&] { mineReturned = case_.invoke(kernel_, mine.data()); }))
-            return Finding{Fault::crash, trial.describe()};
-        const Bits theirsReturned = case_.invoke(oracle_, theirs.data());
-        if (mineReturned != theirsReturned)
-            return Finding{Fault::wrongReturn, trial.describe() + ": returned " + std::to_string(mineReturned) +
-                                                   ", expected " + std::to_string(theirsReturned)};
-        return trial.inPlace ? compareInPlace(trial) : compare(trial);
+        Bits theirsReturned = 0;
+        {
+            const PopcntSetting setting(trial.popcnt);
+            if (!runsWithoutFault([&] { mineReturned = case_.invoke(kernel_, mine.data()); }))
+                return Finding{Fault::crash, describe(trial, mine)};
+            theirsReturned = case_.invoke(oracle_, theirs.data());
+        }
+        if (!sameResult(case_.result, mineReturned, theirsReturned))
+            return Finding{Fault::wrongReturn, describe(trial, mine) + ": returned " +
+                                                   valueText(mineReturned, case_.result) + ", expected " +
+                                                   valueText(theirsReturned, case_.result)};
+        if (shared) {
+            // Put the oracle's result where the kernel's is expected: in the shared row.
+            Row &own = *rows_[0].rows[0];
+            std::memcpy(shared->copyStart(), own.copyStart(), own.bytes());
+            std::memcpy(own.copyStart(), own.start(), own.bytes());
+        }
+        return compare(trial, mine, shared);
     }
 
 private:
-    std::optional<Finding> compare(const Trial &trial)
+    // The rows of an argument: one, or those of an array of pointers, of which a trial uses some.
+    struct Rows {
+        std::vector<std::unique_ptr<Row>> rows;
+        std::unique_ptr<Row> pointers;
+        std::size_t used = 0;
+        std::vector<std::uint8_t *> oraclePointers;
+    };
+
+    std::size_t itemsIn(Bits value, std::size_t argument) const
     {
+        return static_cast<std::size_t>(std::max<std::int64_t>(integerOf(value, case_.parameters[argument]), 0));
+    }
+
+    void placeRows(std::size_t i, const Trial &trial, std::vector<Bits> &mine, std::vector<Bits> &theirs,
+                   Random &random)
+    {
+        const Argument &argument = case_.arguments[i];
+        const Parameter &type = case_.parameters[i];
+        const std::size_t items = argument.items ? itemsIn(mine[*argument.items], *argument.items) : 1;
+        const auto bytes = static_cast<std::size_t>(argument.bytes(trial.count));
+        Rows &rows = rows_[i];
+        if (argument.kind != Argument::Kind::sourceRows) {
+            rows.used = 1;
+            rows.rows[0]->place(argument, type, bytes * items, trial, random);
+            mine[i] = toBits(rows.rows[0]->start());
+            theirs[i] = toBits(rows.rows[0]->copyStart());
+            return;
+        }
+        rows.used = trial.count > 0 ? items : 0;
+        rows.oraclePointers.clear();
+        std::vector<const std::uint8_t *> pointers;
+        for (std::size_t row = 0; row < rows.used; ++row) {
+            rows.rows[row]->place(argument, type, bytes, trial, random);
+            pointers.push_back(rows.rows[row]->start());
+            rows.oraclePointers.push_back(rows.rows[row]->copyStart());
+        }
+        rows.pointers->place(pointers, trial.side);
+        mine[i] = toBits(rows.pointers->start());
+        theirs[i] = toBits(rows.oraclePointers.data());
+    }
+
+    std::optional<Finding> compare(const Trial &trial, const std::vector<Bits> &arguments, const Row *shared)
+    {
+        constexpr Parameter exact{.kind = Parameter::Kind::row, .element = Element::integer, .size = 1};
         for (std::size_t i = 0; i < rows_.size(); ++i) {
-            if (!rows_[i])
-                continue;
-            if (const auto at = rows_[i]->difference())
-                return finding(trial, i, *at, rows_[i]->start()[*at], rows_[i]->copyStart()[*at]);
+            for (std::size_t row = 0; row < rows_[i].used; ++row) {
+                Row &place = *rows_[i].rows[row];
+                const bool written = case_.arguments[i].kind == Argument::Kind::destination;
+                const Parameter &type = &place == shared ? case_.parameters[0] : written ? case_.parameters[i] : exact;
+                const auto at = place.difference(type);
+                if (!at)
+                    continue;
+                Fault fault = written || &place == shared ? Fault::wrongResult : Fault::changedSource;
+                if (*at < 0 || *at >= static_cast<std::ptrdiff_t>(place.bytes()))
+                    fault = Fault::wroteOutside;
+                std::ostringstream text;
+                text << describe(trial, arguments) << ": argument " << i;
+                if (rows_[i].pointers)
+                    text << ", row " << row;
+                text << ", byte " << *at << ": got 0x" << std::hex << int{place.start()[*at]} << ", expected 0x"
+                     << int{place.copyStart()[*at]};
+                return Finding{fault, text.str()};
+            }
+            if (rows_[i].pointers && rows_[i].pointers->difference(exact))
+                return Finding{Fault::changedSource, describe(trial, arguments) + ": changed a row pointer"};
         }
         return std::nullopt;
     }
 
-    std::optional<Finding> compareInPlace(const Trial &trial)
+    std::string describe(const Trial &trial, const std::vector<Bits> &arguments) const
     {
-        // Put the oracle's result where the kernel's is expected: in the shared row.
-        std::memcpy(rows_[trial.inPlace]->copyStart(), rows_[0]->copyStart(), rows_[0]->bytes());
-        std::memcpy(rows_[0]->copyStart(), rows_[0]->start(), rows_[0]->bytes());
-        return compare(trial);
-    }
-
-    Finding finding(const Trial &trial, std::size_t argument, std::ptrdiff_t at, int got, int expected) const
-    {
-        const bool outside = at < 0 || at >= static_cast<std::ptrdiff_t>(rows_[argument]->bytes());
-        Fault fault = Fault::wrongResult;
-        if (outside)
-            fault = Fault::wroteOutside;
-        else if (case_.arguments[argument].kind == Argument::Kind::source && argument != trial.inPlace)
-            fault = Fault::changedSource;
         std::ostringstream text;
-        text << trial.describe() << ": argument " << argument << ", byte " << at << ": got 0x" << std::hex << got
-             << ", expected 0x" << expected;
-        return {fault, text.str()};
+        text << "count " << trial.count << ", rows " << (trial.side == Side::after ? "end" : "start")
+             << " at a guard page" << (trial.skewed ? ", skewed" : "") << ", fill "
+             << fillNames[static_cast<int>(trial.fill)];
+        if (trial.inPlace)
+            text << ", destination = argument " << trial.inPlace;
+        if (case_.asksForPopcnt)
+            text << (trial.popcnt ? ", with POPCNT" : ", without POPCNT");
+        for (std::size_t i = 0; i < arguments.size(); ++i)
+            if (case_.arguments[i].kind == Argument::Kind::number)
+                text << ", argument " << i << " = " << valueText(arguments[i], case_.parameters[i]);
+        text << ", seed " << trial.seed;
+        return text.str();
     }
 
     const KernelCase &case_;
     VcbKernel kernel_;
     VcbKernel oracle_;
-    std::vector<std::unique_ptr<Row>> rows_;
+    std::vector<Rows> rows_;
 };
 
-std::vector<std::int64_t> countsFor(const KernelCase &kernelCase, const CheckPlan &plan)
+// Longer than the byte-wide counters of a reduction last.
+constexpr std::int64_t overflowingCount = 40009;
+
+// Counts of which each gets few trials.
+std::vector<std::int64_t> longCounts(Random &random)
+{
+    // Around whole blocks, unrolled ones too.
+    std::vector<std::int64_t> counts = {255,  256,  257,  383,  384,  385,  511,  512,  513,  639,
+                                        719,  767,  769,  1023, 1024, 1025, 1279, 1919, 1920, 1921,
+                                        2047, 2048, 2049, 4095, 4099, 8191, 8192, 9001};
+    for (int i = 0; i < 16; ++i)
+        counts.push_back(141 + static_cast<std::int64_t>(random.below(1100)));
+    return counts;
+}
+
+std::vector<std::int64_t> negativeCounts(const KernelCase &kernelCase)
 {
     std::vector<std::int64_t> counts;
-    for (std::int64_t n = 0; n <= plan.everyCountUpTo; ++n)
-        counts.push_back(n);
-    for (std::int64_t n : {255, 256, 257, 719, 1919, 1920, 1921, 4099})
-        counts.push_back(n);
-    const bool isSigned = std::any_of(kernelCase.arguments.begin(), kernelCase.arguments.end(),
-                                      [](const Argument &argument) { return argument.isSigned; });
-    if (isSigned)
-        for (std::int64_t n : {-1, -2, -17, -1920, static_cast<int>(INT32_MIN)})
-            counts.push_back(n);
+    for (std::size_t i = 0; i < kernelCase.arguments.size(); ++i) {
+        const Parameter &parameter = kernelCase.parameters[i];
+        if (kernelCase.arguments[i].kind != Argument::Kind::count || !parameter.isSigned)
+            continue;
+        counts.insert(counts.end(), {-1, -2, -17, -1920, INT32_MIN});
+        if (parameter.size == 8) // negative, though the low half is not
+            counts.insert(counts.end(), {INT64_MIN, INT64_MIN + 33, -0x100000000 + 7});
+    }
     return counts;
+}
+
+// Large tables are worth few trials each.
+bool isHeavy(const KernelCase &kernelCase)
+{
+    return std::any_of(kernelCase.arguments.begin(), kernelCase.arguments.end(),
+                       [](const Argument &argument) { return argument.bytes && argument.bytes(1) > 16384; });
+}
+
+bool detectedPopcnt()
+{
+    VCB_GetCPUInsHigh(); // the first call detects
+    return g_CPUID.popcnt;
 }
 
 } // namespace
 
 CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, const CheckPlan &plan)
 {
+    if (const auto wrong = contradiction(kernelCase))
+        throw std::invalid_argument(*wrong);
     CheckResult result;
-    const std::vector<std::int64_t> counts = countsFor(kernelCase, plan);
-    Checker checker(kernelCase, kernel, oracle, *std::max_element(counts.begin(), counts.end()));
     Random random(plan.seed);
+    const std::vector<std::int64_t> longer = longCounts(random);
+    const bool returns = kernelCase.result.size != 0;
+    Checker checker(kernelCase, kernel, oracle,
+                    returns ? overflowingCount : *std::max_element(longer.begin(), longer.end()));
 
     std::vector<std::size_t> places{0};
     places.insert(places.end(), kernelCase.inPlace.begin(), kernelCase.inPlace.end());
+    const bool popcnt = detectedPopcnt();
 
-    for (const std::int64_t count : counts) {
-        for (const std::size_t inPlace : places) {
-            for (const Side side : {Side::after, Side::before}) {
-                for (const bool skewed : {false, true}) {
-                    for (const Fill fill : fills) {
-                        if (plan.quick && fill != Fill::random && random.below(4) != 0)
-                            continue;
-                        const Trial trial{count, side, fill, skewed, inPlace, random.next()};
-                        ++result.runs;
-                        result.finding = checker.run(trial);
-                        if (result.finding)
-                            return result;
-                    }
-                }
-            }
-        }
-    }
+    const auto passes = [&](std::int64_t count, std::size_t inPlace, Side side, bool skewed, Fill fill) {
+        const bool says = popcnt && !(kernelCase.asksForPopcnt && random.below(2));
+        ++result.runs;
+        result.finding = checker.run({count, side, fill, skewed, inPlace, says, random.next()});
+        return !result.finding;
+    };
+    // Every fill, anywhere.
+    const auto passesInShort = [&](std::int64_t count, bool quick) {
+        return std::all_of(std::begin(fills), std::end(fills), [&](Fill fill) {
+            if (quick && fill != Fill::random && random.below(4))
+                return true;
+            const std::size_t inPlace = places[random.below(places.size())];
+            const Side side = random.below(2) ? Side::after : Side::before;
+            return passes(count, inPlace, side, random.below(2), fill);
+        });
+    };
+    // Every fill, everywhere.
+    const auto passesAtLength = [&](std::int64_t count) {
+        for (const std::size_t inPlace : places)
+            for (const Side side : {Side::after, Side::before})
+                for (const bool skewed : {false, true})
+                    for (const Fill fill : fills)
+                        if (!plan.quick || random.below(4) == 0 || (fill == Fill::random && !skewed))
+                            if (!passes(count, inPlace, side, skewed, fill))
+                                return false;
+        return true;
+    };
+
+    const bool heavy = isHeavy(kernelCase);
+    for (std::int64_t n = 0; n <= plan.everyCountUpTo; ++n)
+        if (!(heavy ? passesInShort(n, plan.quick) : passesAtLength(n)))
+            return result;
+    for (const std::int64_t n : longer)
+        if (!passesInShort(n, plan.quick))
+            return result;
+    for (const std::int64_t n : negativeCounts(kernelCase))
+        if (!passesAtLength(n))
+            return result;
+    for (int round = 0; returns && round < 3; ++round)
+        if (!passesInShort(overflowingCount, false))
+            return result;
     return result;
 }
 

@@ -19,7 +19,7 @@ struct Finding {
 struct CheckPlan {
     std::uint64_t seed = 1;
     std::int64_t everyCountUpTo = 140; // all counts to here: several blocks of the widest tier
-    bool quick = false;                // one placement and fill per count, for emulators
+    bool quick = false;                // a share of the placements and fills of each count, for emulators
 };
 
 struct CheckResult {
@@ -29,7 +29,8 @@ struct CheckResult {
 
 // Checks one kernel. The oracle runs on aligned copies of the same data. A kernel passes when results, untouched
 // bytes inside the rows, bytes around them and the sources all agree, for every count, on both sides of inaccessible
-// pages, at any alignment, and in place where the case allows it.
+// pages, at any alignment, and in place where the case allows it. Agreement is to the bit, but for results that are
+// both NaN. Throws if the case contradicts its signature.
 [[nodiscard]] CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle,
                                       const CheckPlan &plan);
 

@@ -12,12 +12,45 @@
 namespace vela::test {
 namespace {
 
-template <class Table>
-KernelTable kernelTable(std::string family, const Table &oracle, std::vector<TierKernels> tiers,
-                        std::vector<KernelCase> cases)
+struct SubTable {
+    std::string family;
+    std::string member;
+    std::type_index type;
+};
+
+const std::vector<SubTable> &subTables()
 {
-    return {std::move(family), slotInfo<Table>(), sizeof(Table) / sizeof(VcbKernel),
-            &oracle,           std::move(tiers),  std::move(cases)};
+    static const std::vector<SubTable> all = {
+#define FAMILY(id, tables, export, description)
+#define SUBTABLE(id, member, type, description) {#id, #member, typeid(type)},
+#include <vela/slots/families.def>
+#undef FAMILY
+#undef SUBTABLE
+    };
+    return all;
+}
+
+// "video", "memArithOps"
+std::string labelOf(std::type_index type)
+{
+    const std::vector<SubTable> &all = subTables();
+    const auto own = std::find_if(all.begin(), all.end(), [type](const SubTable &t) { return t.type == type; });
+    const auto siblings =
+        std::count_if(all.begin(), all.end(), [own](const SubTable &t) { return t.family == own->family; });
+    if (siblings == 1)
+        return own->family;
+    std::string member = own->member;
+    member[0] = static_cast<char>(member[0] - 'a' + 'A');
+    return own->family + member;
+}
+
+template <class Table> KernelTable kernelTable(const Table &oracle, std::vector<TierKernels> tiers)
+{
+    const std::type_index type = typeid(Table);
+    std::vector<KernelCase> cases = allCases();
+    std::erase_if(cases, [type](const KernelCase &kernelCase) { return kernelCase.table != type; });
+    return {type,    labelOf(type),    slotInfo<Table>(), sizeof(Table) / sizeof(VcbKernel),
+            &oracle, std::move(tiers), std::move(cases)};
 }
 
 TierKernels sse2(const void *table) { return {"sse2", VCB_CPU_SSE2, VCB_TIERS_SSE2, table}; }
@@ -28,14 +61,20 @@ TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, tabl
 
 } // namespace
 
+std::vector<KernelCase> allCases()
+{
+    std::vector<KernelCase> all;
+    for (const auto &topic : {colorSpaceCases(), videoCases()})
+        all.insert(all.end(), topic.begin(), topic.end());
+    return all;
+}
+
 std::vector<KernelTable> kernelTables()
 {
     return {
-        kernelTable("colorspace", oracle::colorSpaceProcs,
-                    {sse2(&colorSpaceProcsSse2), avx2(&colorSpaceProcsAvx2), wideTexts(&colorSpaceProcsWide)},
-                    colorSpaceCases()),
-        kernelTable("video", oracle::videoProcs,
-                    {sse2(&videoProcsSse2), avx2(&videoProcsAvx2), wideTexts(&videoProcsWide)}, videoCases()),
+        kernelTable(oracle::colorSpaceProcs,
+                    {sse2(&colorSpaceProcsSse2), avx2(&colorSpaceProcsAvx2), wideTexts(&colorSpaceProcsWide)}),
+        kernelTable(oracle::videoProcs, {sse2(&videoProcsSse2), avx2(&videoProcsAvx2), wideTexts(&videoProcsWide)}),
     };
 }
 
@@ -46,14 +85,26 @@ VcbKernel kernelAt(const void *table, std::size_t slot)
     return kernel;
 }
 
+VcbKernel oracleAt(const void *base, const void *ofTier, std::size_t slot)
+{
+    const VcbKernel own = ofTier ? kernelAt(ofTier, slot) : nullptr;
+    return own ? own : kernelAt(base, slot);
+}
+
 const VcbSlotInfo &slotInfoOf(const KernelTable &table, std::size_t slot)
 {
     const auto found = std::find_if(table.slots.begin(), table.slots.end(), [slot](const VcbSlotInfo &info) {
         return info.number == static_cast<std::int32_t>(slot);
     });
     if (found == table.slots.end())
-        throw std::out_of_range(table.family + " slot " + std::to_string(slot) + " is not in its list");
+        throw std::out_of_range(table.label + " slot " + std::to_string(slot) + " is not in its list");
     return *found;
+}
+
+std::string caseName(const KernelTable &table, const KernelCase &kernelCase)
+{
+    const std::string slot = slotInfoOf(table, kernelCase.slot).name;
+    return kernelCase.variant.empty() ? slot : slot + "-" + kernelCase.variant;
 }
 
 } // namespace vela::test

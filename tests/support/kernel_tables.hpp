@@ -17,10 +17,12 @@ struct TierKernels {
     VcbCpuLevel needs;
     std::int32_t tier; // VcbTiers, or 0 for tables that exist only in the tests
     const void *table;
+    const void *oracle = nullptr; // of the slots whose result at this tier is another than the base tier's
 };
 
 struct KernelTable {
-    std::string family;
+    std::type_index type; // the sub-table's
+    std::string label;    // the family's short name, and the sub-table's where a family has several
     std::span<const VcbSlotInfo> slots;
     std::size_t size; // slots, the reserved ones included
     const void *oracle;
@@ -28,13 +30,19 @@ struct KernelTable {
     std::vector<KernelCase> cases;
 };
 
+// By topic; one vector may hold cases of several sub-tables.
 std::vector<KernelCase> videoCases();
 std::vector<KernelCase> colorSpaceCases();
+std::vector<KernelCase> allCases();
 
 // All sub-tables that have kernels.
 std::vector<KernelTable> kernelTables();
 
 VcbKernel kernelAt(const void *table, std::size_t slot);
+VcbKernel oracleAt(const void *base, const void *ofTier, std::size_t slot);
 const VcbSlotInfo &slotInfoOf(const KernelTable &table, std::size_t slot);
+
+// The slot's name, and what tells the case from others of the slot.
+std::string caseName(const KernelTable &table, const KernelCase &kernelCase);
 
 } // namespace vela::test
