@@ -247,28 +247,26 @@ private:
 struct OracleBuild {
     VcbCpuLevel needs;
     std::map<std::type_index, const void *> tables;
-    std::map<std::type_index, const void *> ofTier; // as TierKernels::oracle
+    std::map<std::type_index, const void *> ofAvx2; // as TierKernels::oracle
 };
 
-const OracleBuild &oracleBuild(const TierKernels &tier)
-{
-    static const OracleBuild builds[] = {
-        {VCB_CPU_AVX2,
-         {{typeid(VcbColorSpaceProcs), &oracleAVX2::colorSpaceProcs}, {typeid(VcbVideoProcs), &oracleAVX2::videoProcs}},
-         {}},
-        {VCB_CPU_SSE2,
-         {{typeid(VcbColorSpaceProcs), &oracleSSE2::colorSpaceProcs}, {typeid(VcbVideoProcs), &oracleSSE2::videoProcs}},
-         {}},
-    };
-    return *std::find_if(std::begin(builds), std::end(builds) - 1,
-                         [&](const OracleBuild &build) { return tier.needs >= build.needs; });
-}
+#define TABLE_OF_BUILD(type, name) {typeid(type), &name},
+#define ORACLE_BUILD(build, level)                                                             \
+    OracleBuild build##Tables()                                                                \
+    {                                                                                          \
+        using namespace build;                                                                 \
+        return {level, {ORACLE_TABLES(TABLE_OF_BUILD)}, {AVX2_ORACLE_TABLES(TABLE_OF_BUILD)}}; \
+    }
+ORACLE_BUILD(oracleSSE2, VCB_CPU_SSE2)
+ORACLE_BUILD(oracleSSSE3, VCB_CPU_SSSE3)
+ORACLE_BUILD(oracleAVX2, VCB_CPU_AVX2)
 
 VcbKernel oracleFor(const KernelTable &table, const TierKernels &tier, std::size_t slot)
 {
-    const OracleBuild &build = oracleBuild(tier);
-    const auto own = build.ofTier.find(table.type);
-    return oracleAt(build.tables.at(table.type), own == build.ofTier.end() ? nullptr : own->second, slot);
+    static const OracleBuild builds[] = {oracleAVX2Tables(), oracleSSSE3Tables(), oracleSSE2Tables()}; // best first
+    const OracleBuild &build = *std::find_if(std::begin(builds), std::end(builds) - 1,
+                                             [&](const OracleBuild &b) { return tier.needs >= b.needs; });
+    return oracleAt(build.tables.at(table.type), tier.oracle ? build.ofAvx2.at(table.type) : nullptr, slot);
 }
 
 int bench(const Options &options)

@@ -43,3 +43,7 @@ extern constinit const VcbMemCompareOps vela::test::ORACLE::memCompareOps = {
 extern constinit const VcbMemMiscOps vela::test::ORACLE::memMiscOps = {
 #include "frame/every_slot.h"
 };
+
+extern constinit const VcbMemMiscOps vela::test::ORACLE::memMiscOpsOfAvx2 = {
+    .MemMaxAbsS16 = MemMaxAbsS16OfAvx2,
+};

@@ -6,24 +6,35 @@
 #include <vela/mem.h>
 #include <vela/video.h>
 
-#define DECLARE_ORACLES(name)                              \
-    namespace vela::test::name {                           \
-    extern const VcbColorSpaceProcs colorSpaceProcs;       \
-    extern const VcbMemOrderOps memOrderOps;               \
-    extern const VcbMemInPlaceOrderOps memInPlaceOrderOps; \
-    extern const VcbMemFillOps memFillOps;                 \
-    extern const VcbMemArithOps memArithOps;               \
-    extern const VcbSampleFormatOps sampleFormatOps;       \
-    extern const VcbMemCompareOps memCompareOps;           \
-    extern const VcbMemMiscOps memMiscOps;                 \
-    extern const VcbVideoProcs videoProcs;                 \
+// Every sub-table that has oracles, and its name in each build.
+#define ORACLE_TABLES(TABLE)                         \
+    TABLE(VcbColorSpaceProcs, colorSpaceProcs)       \
+    TABLE(VcbMemOrderOps, memOrderOps)               \
+    TABLE(VcbMemInPlaceOrderOps, memInPlaceOrderOps) \
+    TABLE(VcbMemFillOps, memFillOps)                 \
+    TABLE(VcbMemArithOps, memArithOps)               \
+    TABLE(VcbSampleFormatOps, sampleFormatOps)       \
+    TABLE(VcbMemCompareOps, memCompareOps)           \
+    TABLE(VcbMemMiscOps, memMiscOps)                 \
+    TABLE(VcbVideoProcs, videoProcs)
+
+// Those whose result at AVX2 is another than the base tier's, with these slots alone.
+#define AVX2_ORACLE_TABLES(TABLE) TABLE(VcbMemMiscOps, memMiscOpsOfAvx2)
+
+#define DECLARE_TABLE(type, name) extern const type name;
+#define DECLARE_ORACLES(build)        \
+    namespace vela::test::build {     \
+    ORACLE_TABLES(DECLARE_TABLE)      \
+    AVX2_ORACLE_TABLES(DECLARE_TABLE) \
     }
 
 DECLARE_ORACLES(oracle)
 DECLARE_ORACLES(oracleSSE2)
+DECLARE_ORACLES(oracleSSSE3)
 DECLARE_ORACLES(oracleAVX2)
 
 #undef DECLARE_ORACLES
+#undef DECLARE_TABLE
 
 // The build that a source file belongs to.
 #if !defined(ORACLE)

@@ -1,6 +1,7 @@
 #include "support/kernel_tables.hpp"
 
 #include "colorspace/tiers.hpp"
+#include "mem/tiers.hpp"
 #include "oracles/oracles.hpp"
 #include "support/wide_texts.hpp"
 #include "video/tiers.hpp"
@@ -54,7 +55,11 @@ template <class Table> KernelTable kernelTable(const Table &oracle, std::vector<
 }
 
 TierKernels sse2(const void *table) { return {"sse2", VCB_CPU_SSE2, VCB_TIERS_SSE2, table}; }
-TierKernels avx2(const void *table) { return {"avx2", VCB_CPU_AVX2, VCB_TIERS_AVX2, table}; }
+TierKernels ssse3(const void *table) { return {"ssse3", VCB_CPU_SSSE3, VCB_TIERS_SSSE3, table}; }
+TierKernels avx2(const void *table, const void *oracle = nullptr)
+{
+    return {"avx2", VCB_CPU_AVX2, VCB_TIERS_AVX2, table, oracle};
+}
 
 // Every kernel text compiled for AVX2, whether or not the library ships it there: proves the wide vocabulary.
 TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, table}; }
@@ -64,7 +69,8 @@ TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, tabl
 std::vector<KernelCase> allCases()
 {
     std::vector<KernelCase> all;
-    for (const auto &topic : {colorSpaceCases(), videoCases()})
+    for (const auto &topic :
+         {colorSpaceCases(), memMoveCases(), memByteCases(), memFloatCases(), memFormatCases(), videoCases()})
         all.insert(all.end(), topic.begin(), topic.end());
     return all;
 }
@@ -74,6 +80,14 @@ std::vector<KernelTable> kernelTables()
     return {
         kernelTable(oracle::colorSpaceProcs,
                     {sse2(&colorSpaceProcsSse2), avx2(&colorSpaceProcsAvx2), wideTexts(&colorSpaceProcsWide)}),
+        kernelTable(oracle::memOrderOps, {sse2(&memOrderOpsSse2), avx2(&memOrderOpsAvx2), wideTexts(&memOrderOpsWide)}),
+        kernelTable(oracle::memInPlaceOrderOps, {sse2(&memInPlaceOrderOpsSse2), wideTexts(&memInPlaceOrderOpsWide)}),
+        kernelTable(oracle::memFillOps, {sse2(&memFillOpsSse2), avx2(&memFillOpsAvx2), wideTexts(&memFillOpsWide)}),
+        kernelTable(oracle::memArithOps, {sse2(&memArithOpsSse2), avx2(&memArithOpsAvx2), wideTexts(&memArithOpsWide)}),
+        kernelTable(oracle::sampleFormatOps, {sse2(&sampleFormatOpsSse2), wideTexts(&sampleFormatOpsWide)}),
+        kernelTable(oracle::memCompareOps, {sse2(&memCompareOpsSse2), wideTexts(&memCompareOpsWide)}),
+        kernelTable(oracle::memMiscOps, {sse2(&memMiscOpsSse2), ssse3(&memMiscOpsSsse3),
+                                         avx2(&memMiscOpsAvx2, &oracle::memMiscOpsOfAvx2), wideTexts(&memMiscOpsWide)}),
         kernelTable(oracle::videoProcs, {sse2(&videoProcsSse2), avx2(&videoProcsAvx2), wideTexts(&videoProcsWide)}),
     };
 }

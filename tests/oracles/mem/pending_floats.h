@@ -29,6 +29,7 @@ void MemLookup16To32(uint32_t *, const uint16_t *, const uint32_t *, int32_t) {}
 
 // VcbMemMiscOps
 int32_t MemMaxAbsS16(const int16_t *, int32_t) { return 0; }
+int32_t MemMaxAbsS16OfAvx2(const int16_t *, int32_t) { return 0; }
 uint32_t MemMaxAbsS32(const int32_t *, int32_t) { return 0; }
 void MemGainF32(float *, const float *, float, uint64_t) {}
 void MemGainAddF32(float *, const float *, float, uint64_t) {}
