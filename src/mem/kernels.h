@@ -3,7 +3,11 @@
 
 #include "mem/kernels/pending_bytes.h"
 
-#include "mem/kernels/pending_floats.h"
+#include "mem/kernels/float_arithmetic.h"
+#include "mem/kernels/float_sums.h"
+#include "mem/kernels/look_ups.h"
+#include "mem/kernels/peaks.h"
+#include "mem/kernels/sample_sums.h"
 
 #include "mem/kernels/pending_formats.h"
 

@@ -117,6 +117,17 @@ template <class Vector> inline Vector loadFirst(const void *from, ptrdiff_t n)
         _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128((const __m128i *)bytes)), upper, 1));
 }
 
+// The first n bytes, 1 to a whole register less one.
+template <class Vector> inline void storeFirst(void *to, Vector x, ptrdiff_t n)
+{
+    __m128i some = _mm256_castsi256_si128(bitsOf(x.v));
+    if (n >= 16) {
+        _mm_storeu_si128((__m128i *)to, some);
+        some = _mm256_extracti128_si256(bitsOf(x.v), 1);
+    }
+    storeFew((uint8_t *)to + (n & 16), some, n & 15);
+}
+
 template <class Vector> inline Vector zero() { return fromBits<Vector>(_mm256_setzero_si256()); }
 inline u8s splat8(uint8_t x) { return {_mm256_set1_epi8((char)x)}; }
 inline u16s splat16(uint16_t x) { return {_mm256_set1_epi16((short)x)}; }
@@ -198,6 +209,11 @@ inline u8s larger(u8s a, u8s b) { return {_mm256_max_epu8(a.v, b.v)}; }
 inline u8s smaller(u8s a, u8s b) { return {_mm256_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
+inline i32s smaller(i32s a, i32s b) { return {_mm256_min_epi32(a.v, b.v)}; }
+
+// -|x|, which holds the magnitude of the least integer too.
+inline i16s minusMagnitude(i16s x) { return {_mm256_min_epi16(x.v, _mm256_sub_epi16(_mm256_setzero_si256(), x.v))}; }
+inline i32s minusMagnitude(i32s x) { return {_mm256_min_epi32(x.v, _mm256_sub_epi32(_mm256_setzero_si256(), x.v))}; }
 
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm256_cmpeq_epi8(a.v, b.v)}; }
@@ -426,6 +442,26 @@ inline double largest(f64s x)
 {
     const __m128d two = _mm_max_pd(_mm256_castpd256_pd128(x.v), _mm256_extractf128_pd(x.v, 1));
     return _mm_cvtsd_f64(_mm_max_sd(two, _mm_unpackhi_pd(two, two)));
+}
+inline int16_t largest(i16s x)
+{
+    const __m128i eight = _mm_max_epi16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i four = _mm_max_epi16(eight, _mm_unpackhi_epi64(eight, eight));
+    const __m128i two = _mm_max_epi16(four, _mm_srli_epi64(four, 32));
+    return (int16_t)_mm_cvtsi128_si32(_mm_max_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline int16_t smallest(i16s x)
+{
+    const __m128i eight = _mm_min_epi16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i four = _mm_min_epi16(eight, _mm_unpackhi_epi64(eight, eight));
+    const __m128i two = _mm_min_epi16(four, _mm_srli_epi64(four, 32));
+    return (int16_t)_mm_cvtsi128_si32(_mm_min_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline int32_t smallest(i32s x)
+{
+    const __m128i four = _mm_min_epi32(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i two = _mm_min_epi32(four, _mm_unpackhi_epi64(four, four));
+    return _mm_cvtsi128_si32(_mm_min_epi32(two, _mm_srli_epi64(two, 32)));
 }
 
 // The sum modulo 2^64 or 2^32.

@@ -15,4 +15,15 @@ template <int bits> inline WideBytes shiftRightRounded(WideBytes x)
     return both(x, [](i16s half) { return shiftRight<bits>(half + splatI16(1 << (bits - 1))); });
 }
 
+// Pairs as terms of a sum in lanes.
+template <class Vector> inline Pair<Vector> operator+(Pair<Vector> a, Pair<Vector> b)
+{
+    return {a.low + b.low, a.high + b.high};
+}
+template <class Vector> inline Pair<Vector> keepFirst(Pair<Vector> x, ptrdiff_t n)
+{
+    return {keepFirst(x.low, n), keepFirst(x.high, n - Vector::lanes)};
+}
+template <class Vector> inline auto sumHalving(Pair<Vector> x) { return sumHalving(x.low + x.high); }
+
 } // namespace

@@ -172,77 +172,90 @@ struct Words32AsFloats {
     }
 };
 
-// Packed signed 24-bit samples as floats, not scaled.
+// Packed signed 24-bit samples as floats, 256 times too large, which costs no precision and saves a shift.
 struct Bytes24AsFloats {
     using Vector = f32s;
     const uint8_t *row;
 
-    f32s at(ptrdiff_t i) const { return toFloat(shiftRight<8>(loadTop24(row + 3 * i))); }
+    f32s at(ptrdiff_t i) const { return toFloat(loadTop24(row + 3 * i)); }
     f32s first(ptrdiff_t i, ptrdiff_t k) const
     {
         constexpr ptrdiff_t room = (3 * f32s::lanes + 15) / 16 * 16;
         uint8_t bytes[room];
         copyPadded<room>(bytes, row + 3 * i, 3 * k);
-        return toFloat(shiftRight<8>(loadTop24(bytes)));
+        return toFloat(loadTop24(bytes));
     }
 };
 
-// The sum of term(sources[i]...) over n elements in `lanes` lanes: element i goes to lane i % lanes, then lane j takes
-// lane j + lanes/2, and so on by halves. The order of additions is thereby the same at every width.
-template <int lanes, class Term, class First, class... Rest>
-inline auto sumInLanes(ptrdiff_t n, Term term, First first, Rest... rest)
+// Folds term(sources[i]...) of n elements into `registers` registers that start at zeros, and those by halves into one.
+// Register by register the terms go to register 0, 1, ... and around: what is in the same lane is joined in the order
+// of the elements. Of a ragged end's term `finish` gets the number of elements, and gives lanes behind them that leave
+// a part as it is.
+template <int registers, class Term, class Finish, class Join, class First, class... Rest>
+inline auto fold(ptrdiff_t n, Term term, Finish finish, Join join, First first, Rest... rest)
 {
-    using Vector = typename First::Vector;
-    constexpr int size = Vector::lanes;
-    constexpr int registers = lanes / size;
-    Vector sums[registers];
-#pragma GCC unroll 16
-    for (int j = 0; j < registers; ++j)
-        sums[j] = zero<Vector>();
-    ptrdiff_t i = 0;
-    for (; i <= n - lanes; i += lanes) {
-#pragma GCC unroll 16
-        for (int j = 0; j < registers; ++j)
-            sums[j] = sums[j] + term(first.at(i + j * size), rest.at(i + j * size)...);
-    }
-    Vector *lane = sums;
-    for (; i <= n - size; i += size, ++lane)
-        *lane = *lane + term(first.at(i), rest.at(i)...);
-    if (const ptrdiff_t k = n - i; k > 0)
-        *lane = *lane + keepFirst(term(first.first(i, k), rest.first(i, k)...), k);
-#pragma GCC unroll 16
-    for (int half = registers / 2; half > 0; half /= 2) {
-#pragma GCC unroll 16
-        for (int j = 0; j < half; ++j)
-            sums[j] = sums[j] + sums[j + half];
-    }
-    return sumHalving(sums[0]);
-}
-
-// The largest term(source[i]) of n elements that is above 0, or +0. A NaN is never larger.
-template <class Term, class Source> inline auto largestOf(ptrdiff_t n, Term term, Source source)
-{
-    using Vector = typename Source::Vector;
-    constexpr int size = Vector::lanes;
-    constexpr int registers = 8; // hides the latency of the comparison
-    Vector most[registers];
-#pragma GCC unroll 16
-    for (int j = 0; j < registers; ++j)
-        most[j] = zero<Vector>();
+    constexpr int size = First::Vector::lanes;
+    using Part = decltype(term(first.at(0), rest.at(0)...));
+    Part parts[registers] = {};
     ptrdiff_t i = 0;
     for (; i <= n - registers * size; i += registers * size) {
 #pragma GCC unroll 16
         for (int j = 0; j < registers; ++j)
-            most[j] = larger(term(source.at(i + j * size)), most[j]);
+            parts[j] = join(parts[j], term(first.at(i + j * size), rest.at(i + j * size)...));
     }
-    for (; i <= n - size; i += size)
-        most[0] = larger(term(source.at(i)), most[0]);
-    if (i < n)
-        most[0] = larger(term(source.first(i, n - i)), most[0]); // the zeros behind are no larger
+    const ptrdiff_t whole = (n - i) / size;
+    const ptrdiff_t k = (n - i) % size;
+    Part ragged = {};
+    if (k > 0)
+        ragged = finish(term(first.first(n - k, k), rest.first(n - k, k)...), k);
+    // Constant indices: a part that is picked at run time would send them all through memory.
 #pragma GCC unroll 16
-    for (int j = 1; j < registers; ++j)
-        most[0] = larger(most[j], most[0]);
-    return largest(most[0]);
+    for (int j = 0; j < registers; ++j) {
+        if (j >= whole) {
+            parts[j] = join(parts[j], ragged);
+            break;
+        }
+        parts[j] = join(parts[j], term(first.at(i + j * size), rest.at(i + j * size)...));
+    }
+#pragma GCC unroll 16
+    for (int half = registers / 2; half > 0; half /= 2) {
+#pragma GCC unroll 16
+        for (int j = 0; j < half; ++j)
+            parts[j] = join(parts[j], parts[j + half]);
+    }
+    return parts[0];
+}
+
+// The sum of term(sources[i]...) over n elements in `lanes` lanes: element i goes to lane i % lanes, then lane j takes
+// lane j + lanes/2, and so on by halves. The order of additions is thereby the same at every width. A term may be
+// several vectors that are summed up side by side: whatever has +, keepFirst and sumHalving.
+template <int lanes, class Term, class First, class... Rest>
+inline auto sumInLanes(ptrdiff_t n, Term term, First first, Rest... rest)
+{
+    return sumHalving(fold<lanes / First::Vector::lanes>(
+        n, term, [](auto last, ptrdiff_t k) { return keepFirst(last, k); },
+        [](auto sum, auto next) { return sum + next; }, first, rest...));
+}
+
+// Terms of zeros are zeros: nothing is to be kept out of a ragged end.
+constexpr auto asItIs = [](auto last, ptrdiff_t) { return last; };
+
+// The sum of the lanes term(sources[i]...), integers, modulo the lane. Terms of zeros must be zeros.
+template <class Term, class First, class... Rest>
+inline auto sumOf(ptrdiff_t n, Term term, First first, Rest... rest)
+{
+    return fold<4>(n, term, asItIs, [](auto sum, auto next) { return sum + next; }, first, rest...);
+}
+
+// The largest term(source[i]) of n elements that is above 0, or +0; the smallest below 0, or 0. A NaN is neither.
+// Eight registers hide the latency of the comparison.
+template <class Term, class Source> inline auto largestOf(ptrdiff_t n, Term term, Source source)
+{
+    return largest(fold<8>(n, term, asItIs, [](auto most, auto next) { return larger(next, most); }, source));
+}
+template <class Term, class Source> inline auto smallestOf(ptrdiff_t n, Term term, Source source)
+{
+    return smallest(fold<8>(n, term, asItIs, [](auto least, auto next) { return smaller(next, least); }, source));
 }
 
 } // namespace

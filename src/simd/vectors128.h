@@ -100,6 +100,12 @@ template <class Vector> inline Vector loadFirst(const void *from, ptrdiff_t n)
     return n >= 16 ? load<Vector>(from) : fromBits<Vector>(loadFew((const uint8_t *)from, n));
 }
 
+// The first n bytes, 1 to a whole register less one.
+template <class Vector> inline void storeFirst(void *to, Vector x, ptrdiff_t n)
+{
+    storeFew((uint8_t *)to, bitsOf(x.v), n);
+}
+
 template <class Vector> inline Vector zero() { return fromBits<Vector>(_mm_setzero_si128()); }
 inline u8s splat8(uint8_t x) { return {_mm_set1_epi8((char)x)}; }
 inline u16s splat16(uint16_t x) { return {_mm_set1_epi16((short)x)}; }
@@ -181,6 +187,15 @@ inline u8s larger(u8s a, u8s b) { return {_mm_max_epu8(a.v, b.v)}; }
 inline u8s smaller(u8s a, u8s b) { return {_mm_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
+inline i32s smaller(i32s a, i32s b) { return select({_mm_cmpgt_epi32(b.v, a.v)}, a, b); }
+
+// -|x|, which holds the magnitude of the least integer too.
+inline i16s minusMagnitude(i16s x) { return {_mm_min_epi16(x.v, _mm_sub_epi16(_mm_setzero_si128(), x.v))}; }
+inline i32s minusMagnitude(i32s x)
+{
+    const __m128i sign = _mm_srai_epi32(x.v, 31);
+    return {_mm_sub_epi32(sign, _mm_xor_si128(x.v, sign))};
+}
 
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm_cmpeq_epi8(a.v, b.v)}; }
@@ -333,6 +348,23 @@ inline float largest(f32s x)
     return _mm_cvtss_f32(_mm_max_ss(two, _mm_shuffle_ps(two, two, 1)));
 }
 inline double largest(f64s x) { return _mm_cvtsd_f64(_mm_max_sd(x.v, _mm_unpackhi_pd(x.v, x.v))); }
+inline int16_t largest(i16s x)
+{
+    const __m128i four = _mm_max_epi16(x.v, _mm_unpackhi_epi64(x.v, x.v));
+    const __m128i two = _mm_max_epi16(four, _mm_srli_epi64(four, 32));
+    return (int16_t)_mm_cvtsi128_si32(_mm_max_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline int16_t smallest(i16s x)
+{
+    const __m128i four = _mm_min_epi16(x.v, _mm_unpackhi_epi64(x.v, x.v));
+    const __m128i two = _mm_min_epi16(four, _mm_srli_epi64(four, 32));
+    return (int16_t)_mm_cvtsi128_si32(_mm_min_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline int32_t smallest(i32s x)
+{
+    const i32s two = smaller(x, {_mm_unpackhi_epi64(x.v, x.v)});
+    return _mm_cvtsi128_si32(smaller(two, {_mm_srli_epi64(two.v, 32)}).v);
+}
 
 // The sum modulo 2^64 or 2^32.
 inline uint64_t sum(u64s x) { return (uint64_t)_mm_cvtsi128_si64(_mm_add_epi64(x.v, _mm_unpackhi_epi64(x.v, x.v))); }
