@@ -208,7 +208,7 @@ inline auto fold(ptrdiff_t n, Term term, Finish finish, Join join, First first, 
     Part ragged = {};
     if (k > 0)
         ragged = finish(term(first.first(n - k, k), rest.first(n - k, k)...), k);
-    // Constant indices: a part that is picked at run time would send them all through memory.
+        // Constant indices: a part that is picked at run time would send them all through memory.
 #pragma GCC unroll 16
     for (int j = 0; j < registers; ++j) {
         if (j >= whole) {
@@ -241,21 +241,23 @@ inline auto sumInLanes(ptrdiff_t n, Term term, First first, Rest... rest)
 constexpr auto asItIs = [](auto last, ptrdiff_t) { return last; };
 
 // The sum of the lanes term(sources[i]...), integers, modulo the lane. Terms of zeros must be zeros.
-template <class Term, class First, class... Rest>
-inline auto sumOf(ptrdiff_t n, Term term, First first, Rest... rest)
+template <class Term, class First, class... Rest> inline auto sumOf(ptrdiff_t n, Term term, First first, Rest... rest)
 {
-    return fold<4>(n, term, asItIs, [](auto sum, auto next) { return sum + next; }, first, rest...);
+    return fold<4>(
+        n, term, asItIs, [](auto sum, auto next) { return sum + next; }, first, rest...);
 }
 
 // The largest term(source[i]) of n elements that is above 0, or +0; the smallest below 0, or 0. A NaN is neither.
 // Eight registers hide the latency of the comparison.
 template <class Term, class Source> inline auto largestOf(ptrdiff_t n, Term term, Source source)
 {
-    return largest(fold<8>(n, term, asItIs, [](auto most, auto next) { return larger(next, most); }, source));
+    return largest(fold<8>(
+        n, term, asItIs, [](auto most, auto next) { return larger(next, most); }, source));
 }
 template <class Term, class Source> inline auto smallestOf(ptrdiff_t n, Term term, Source source)
 {
-    return smallest(fold<8>(n, term, asItIs, [](auto least, auto next) { return smaller(next, least); }, source));
+    return smallest(fold<8>(
+        n, term, asItIs, [](auto least, auto next) { return smaller(next, least); }, source));
 }
 
 } // namespace

@@ -20,7 +20,8 @@ double MemSumF32B(const float *src, uint64_t count)
 
 float MemSumSquaresF32(const float *src, int32_t count)
 {
-    return sumInLanes<32>(count, [](f32s x) { return x * x; }, Lanes<f32s>{src});
+    return sumInLanes<32>(
+        count, [](f32s x) { return x * x; }, Lanes<f32s>{src});
 }
 
 double MemSumSquaresF64(const double *src, uint64_t count)

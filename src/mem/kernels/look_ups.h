@@ -4,8 +4,7 @@
 namespace {
 
 // Several indices come with one load: loads are what a look-up has too many of.
-template <class Index>
-inline void lookUp(uint32_t *dst, const Index *indices, const uint32_t *table, ptrdiff_t count)
+template <class Index> inline void lookUp(uint32_t *dst, const Index *indices, const uint32_t *table, ptrdiff_t count)
 {
     constexpr int bits = 8 * (int)sizeof(Index);
     constexpr int perLoad = 64 / bits;

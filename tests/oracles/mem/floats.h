@@ -285,7 +285,7 @@ int32_t MemMaxAbsS16(const int16_t *src, int32_t count)
     return largest;
 }
 
-int32_t MemMaxAbsS16Avx2(const int16_t *src, int32_t count)
+int32_t MemMaxAbsS16OfAvx2(const int16_t *src, int32_t count)
 {
     int32_t largest = 0;
     for (int64_t i = 0; i < count; ++i) {
