@@ -65,6 +65,12 @@ struct WideBytes {
     i16s second;
 };
 
+// Magnitudes of signed integers in the form that compares best, here unsigned: there is room for that of the least
+// integer. Zeros are zeros.
+template <class Vector> struct Magnitudes {
+    __m256i v;
+};
+
 // --- Bits ----------------------------------------------------------------------------------------------------
 
 inline __m256i bitsOf(__m256i x) { return x; }
@@ -211,9 +217,10 @@ inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
 inline i32s smaller(i32s a, i32s b) { return {_mm256_min_epi32(a.v, b.v)}; }
 
-// -|x|, which holds the magnitude of the least integer too.
-inline i16s minusMagnitude(i16s x) { return {_mm256_min_epi16(x.v, _mm256_sub_epi16(_mm256_setzero_si256(), x.v))}; }
-inline i32s minusMagnitude(i32s x) { return {_mm256_min_epi32(x.v, _mm256_sub_epi32(_mm256_setzero_si256(), x.v))}; }
+inline Magnitudes<i16s> magnitude(i16s x) { return {_mm256_abs_epi16(x.v)}; }
+inline Magnitudes<i32s> magnitude(i32s x) { return {_mm256_abs_epi32(x.v)}; }
+inline Magnitudes<i16s> larger(Magnitudes<i16s> a, Magnitudes<i16s> b) { return {_mm256_max_epu16(a.v, b.v)}; }
+inline Magnitudes<i32s> larger(Magnitudes<i32s> a, Magnitudes<i32s> b) { return {_mm256_max_epu32(a.v, b.v)}; }
 
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm256_cmpeq_epi8(a.v, b.v)}; }
@@ -450,18 +457,18 @@ inline int16_t largest(i16s x)
     const __m128i two = _mm_max_epi16(four, _mm_srli_epi64(four, 32));
     return (int16_t)_mm_cvtsi128_si32(_mm_max_epi16(two, _mm_srli_epi32(two, 16)));
 }
-inline int16_t smallest(i16s x)
+inline uint16_t largest(Magnitudes<i16s> x)
 {
-    const __m128i eight = _mm_min_epi16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
-    const __m128i four = _mm_min_epi16(eight, _mm_unpackhi_epi64(eight, eight));
-    const __m128i two = _mm_min_epi16(four, _mm_srli_epi64(four, 32));
-    return (int16_t)_mm_cvtsi128_si32(_mm_min_epi16(two, _mm_srli_epi32(two, 16)));
+    const __m128i eight = _mm_max_epu16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i four = _mm_max_epu16(eight, _mm_unpackhi_epi64(eight, eight));
+    const __m128i two = _mm_max_epu16(four, _mm_srli_epi64(four, 32));
+    return (uint16_t)_mm_cvtsi128_si32(_mm_max_epu16(two, _mm_srli_epi32(two, 16)));
 }
-inline int32_t smallest(i32s x)
+inline uint32_t largest(Magnitudes<i32s> x)
 {
-    const __m128i four = _mm_min_epi32(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
-    const __m128i two = _mm_min_epi32(four, _mm_unpackhi_epi64(four, four));
-    return _mm_cvtsi128_si32(_mm_min_epi32(two, _mm_srli_epi64(two, 32)));
+    const __m128i four = _mm_max_epu32(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i two = _mm_max_epu32(four, _mm_unpackhi_epi64(four, four));
+    return (uint32_t)_mm_cvtsi128_si32(_mm_max_epu32(two, _mm_srli_epi64(two, 32)));
 }
 
 // The sum modulo 2^64 or 2^32.

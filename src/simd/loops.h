@@ -103,7 +103,7 @@ inline void map(Element *dst, ptrdiff_t n, Op op, const Sources *...sources)
 {
     static_assert(((sizeof(Sources) == sizeof(Element)) && ...));
     constexpr int size = Vector::lanes;
-    static_assert(size * sizeof(Element) == sizeof(Vector));
+    static_assert(size * sizeof(Element) == sizeof(u8s)); // a Vector itself may be several registers
     if (n >= size) {
         const auto last = op(load<Vector>(sources + (n - size))...);
         ptrdiff_t i = 0;
@@ -247,17 +247,12 @@ template <class Term, class First, class... Rest> inline auto sumOf(ptrdiff_t n,
         n, term, asItIs, [](auto sum, auto next) { return sum + next; }, first, rest...);
 }
 
-// The largest term(source[i]) of n elements that is above 0, or +0; the smallest below 0, or 0. A NaN is neither.
-// Eight registers hide the latency of the comparison.
+// The largest term(source[i]) of n elements that is above 0, or +0. A NaN is never larger. Eight registers hide the
+// latency of the comparison.
 template <class Term, class Source> inline auto largestOf(ptrdiff_t n, Term term, Source source)
 {
     return largest(fold<8>(
         n, term, asItIs, [](auto most, auto next) { return larger(next, most); }, source));
-}
-template <class Term, class Source> inline auto smallestOf(ptrdiff_t n, Term term, Source source)
-{
-    return smallest(fold<8>(
-        n, term, asItIs, [](auto least, auto next) { return smaller(next, least); }, source));
 }
 
 } // namespace

@@ -66,6 +66,12 @@ struct WideBytes {
     i16s second;
 };
 
+// Magnitudes of signed integers in the form that compares best, here negative: there is room for that of the least
+// integer. Zeros are zeros.
+template <class Vector> struct Magnitudes {
+    Vector negative;
+};
+
 // --- Bits ----------------------------------------------------------------------------------------------------
 
 inline __m128i bitsOf(__m128i x) { return x; }
@@ -189,12 +195,15 @@ inline i16s larger(i16s a, i16s b) { return {_mm_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
 inline i32s smaller(i32s a, i32s b) { return select({_mm_cmpgt_epi32(b.v, a.v)}, a, b); }
 
-// -|x|, which holds the magnitude of the least integer too.
-inline i16s minusMagnitude(i16s x) { return {_mm_min_epi16(x.v, _mm_sub_epi16(_mm_setzero_si128(), x.v))}; }
-inline i32s minusMagnitude(i32s x)
+inline Magnitudes<i16s> magnitude(i16s x) { return {smaller(x, i16s{_mm_setzero_si128()} - x)}; }
+inline Magnitudes<i32s> magnitude(i32s x)
 {
-    const __m128i sign = _mm_srai_epi32(x.v, 31);
-    return {_mm_sub_epi32(sign, _mm_xor_si128(x.v, sign))};
+    const i32s sign = shiftRight<31>(x);
+    return {sign - (x ^ sign)};
+}
+template <class Vector> inline Magnitudes<Vector> larger(Magnitudes<Vector> a, Magnitudes<Vector> b)
+{
+    return {smaller(a.negative, b.negative)};
 }
 
 // Masks.
@@ -354,16 +363,16 @@ inline int16_t largest(i16s x)
     const __m128i two = _mm_max_epi16(four, _mm_srli_epi64(four, 32));
     return (int16_t)_mm_cvtsi128_si32(_mm_max_epi16(two, _mm_srli_epi32(two, 16)));
 }
-inline int16_t smallest(i16s x)
+inline uint16_t largest(Magnitudes<i16s> x)
 {
-    const __m128i four = _mm_min_epi16(x.v, _mm_unpackhi_epi64(x.v, x.v));
+    const __m128i four = _mm_min_epi16(x.negative.v, _mm_unpackhi_epi64(x.negative.v, x.negative.v));
     const __m128i two = _mm_min_epi16(four, _mm_srli_epi64(four, 32));
-    return (int16_t)_mm_cvtsi128_si32(_mm_min_epi16(two, _mm_srli_epi32(two, 16)));
+    return (uint16_t)-_mm_cvtsi128_si32(_mm_min_epi16(two, _mm_srli_epi32(two, 16)));
 }
-inline int32_t smallest(i32s x)
+inline uint32_t largest(Magnitudes<i32s> x)
 {
-    const i32s two = smaller(x, {_mm_unpackhi_epi64(x.v, x.v)});
-    return _mm_cvtsi128_si32(smaller(two, {_mm_srli_epi64(two.v, 32)}).v);
+    const i32s two = smaller(x.negative, {_mm_unpackhi_epi64(x.negative.v, x.negative.v)});
+    return 0 - (uint32_t)_mm_cvtsi128_si32(smaller(two, {_mm_srli_epi64(two.v, 32)}).v);
 }
 
 // The sum modulo 2^64 or 2^32.

@@ -41,24 +41,17 @@ void MemScaleAddF64(double *dst, const double *src, double gain, uint64_t count)
         dst, (ptrdiff_t)count, [g = splatF64(gain)](f64s old, f64s x) { return old + x * g; }, dst, src);
 }
 
-// In double, and rounded to float once.
 void MemScaleF32ToF32(float *dst, const float *src, double gain, uint64_t count)
 {
-    const auto scale = [g = splatF64(gain)](f32s x) {
-        const Pair<f64s> wide = toDouble(x);
-        return toFloat(wide.low * g, wide.high * g);
-    };
-    map<f32s>(dst, (ptrdiff_t)count, scale, src);
+    map<DoubledFloats>(
+        dst, (ptrdiff_t)count, [g = splatF64(gain)](DoubledFloats x) { return x * g; }, src);
 }
 
 void MemScaleAddF32(float *dst, const float *src, double gain, uint64_t count)
 {
-    const auto scaleAdd = [g = splatF64(gain)](f32s old, f32s x) {
-        const Pair<f64s> sum = toDouble(old);
-        const Pair<f64s> wide = toDouble(x);
-        return toFloat(sum.low + wide.low * g, sum.high + wide.high * g);
-    };
-    map<f32s>(dst, (ptrdiff_t)count, scaleAdd, dst, src);
+    map<DoubledFloats>(
+        dst, (ptrdiff_t)count, [g = splatF64(gain)](DoubledFloats old, DoubledFloats x) { return old + x * g; }, dst,
+        src);
 }
 
 // --- Two signals ---------------------------------------------------------------------------------------------

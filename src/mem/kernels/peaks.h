@@ -20,17 +20,17 @@ int32_t MemMaxAbsS16(const int16_t *src, int32_t count)
         count, [](i16s x) { return x; }, Lanes<i16s>{src});
 }
 
-// AVX2's meaning. Magnitudes are compared as negative numbers, which have room for that of -32768.
+// AVX2's meaning: the largest magnitude.
 int32_t MemMaxMagnitudeS16(const int16_t *src, int32_t count)
 {
-    return -smallestOf(
-        count, [](i16s x) { return minusMagnitude(x); }, Lanes<i16s>{src});
+    return largestOf(
+        count, [](i16s x) { return magnitude(x); }, Lanes<i16s>{src});
 }
 
 uint32_t MemMaxAbsS32(const int32_t *src, int32_t count)
 {
-    return 0 - (uint32_t)smallestOf(
-                   count, [](i32s x) { return minusMagnitude(x); }, Lanes<i32s>{src});
+    return largestOf(
+        count, [](i32s x) { return magnitude(x); }, Lanes<i32s>{src});
 }
 
 } // namespace
