@@ -187,72 +187,113 @@ struct Bytes24AsFloats {
     }
 };
 
-// Folds term(sources[i]...) of n elements into `registers` registers that start at zeros, and those by halves into one.
-// Register by register the terms go to register 0, 1, ... and around: what is in the same lane is joined in the order
-// of the elements. Of a ragged end's term `finish` gets the number of elements, and gives lanes behind them that leave
-// a part as it is.
-template <int registers, class Term, class Finish, class Join, class First, class... Rest>
-inline auto fold(ptrdiff_t n, Term term, Finish finish, Join join, First first, Rest... rest)
+// Reductions are inlined by force: GCC 12 keeps large ones apart from their only caller, and passes sums through
+// memory.
+
+// Calls op with 0, 1, ... n-1, constants all, as long as it returns true. An array whose every index is a constant
+// lives in registers; an unrolled loop comes too late for that (GCC 12).
+template <int value> struct Constant {
+    constexpr operator int() const { return value; }
+};
+template <int n, class Op> inline bool forConstants(Op op)
 {
-    constexpr int size = First::Vector::lanes;
-    using Part = decltype(term(first.at(0), rest.at(0)...));
-    Part parts[registers] = {};
-    ptrdiff_t i = 0;
-    for (; i <= n - registers * size; i += registers * size) {
-#pragma GCC unroll 16
-        for (int j = 0; j < registers; ++j)
-            parts[j] = join(parts[j], term(first.at(i + j * size), rest.at(i + j * size)...));
-    }
-    const ptrdiff_t whole = (n - i) / size;
-    const ptrdiff_t k = (n - i) % size;
-    Part ragged = {};
-    if (k > 0)
-        ragged = finish(term(first.first(n - k, k), rest.first(n - k, k)...), k);
-        // Constant indices: a part that is picked at run time would send them all through memory.
-#pragma GCC unroll 16
-    for (int j = 0; j < registers; ++j) {
-        if (j >= whole) {
-            parts[j] = join(parts[j], ragged);
-            break;
-        }
-        parts[j] = join(parts[j], term(first.at(i + j * size), rest.at(i + j * size)...));
-    }
-#pragma GCC unroll 16
-    for (int half = registers / 2; half > 0; half /= 2) {
-#pragma GCC unroll 16
-        for (int j = 0; j < half; ++j)
+    if constexpr (n > 0)
+        return forConstants<n - 1>(op) && op(Constant<n - 1>());
+    else
+        return true;
+}
+
+// parts[j] = join(parts[j], parts[j + half]) for half of them, and so on down to one.
+template <int registers, class Part, class Join> inline Part joinHalves(Part *parts, Join join)
+{
+    constexpr int half = registers / 2;
+    if constexpr (half > 0) {
+        forConstants<half>([&](auto j) {
             parts[j] = join(parts[j], parts[j + half]);
+            return true;
+        });
+        return joinHalves<half>(parts, join);
+    } else {
+        return parts[0];
     }
-    return parts[0];
 }
 
 // The sum of term(sources[i]...) over n elements in `lanes` lanes: element i goes to lane i % lanes, then lane j takes
 // lane j + lanes/2, and so on by halves. The order of additions is thereby the same at every width. A term may be
 // several vectors that are summed up side by side: whatever has +, keepFirst and sumHalving.
 template <int lanes, class Term, class First, class... Rest>
-inline auto sumInLanes(ptrdiff_t n, Term term, First first, Rest... rest)
+__attribute__((always_inline)) inline auto sumInLanes(ptrdiff_t n, Term term, First first, Rest... rest)
 {
-    return sumHalving(fold<lanes / First::Vector::lanes>(
-        n, term, [](auto last, ptrdiff_t k) { return keepFirst(last, k); },
-        [](auto sum, auto next) { return sum + next; }, first, rest...));
+    constexpr int size = First::Vector::lanes;
+    constexpr int registers = lanes / size;
+    using Sum = decltype(term(first.at(0), rest.at(0)...));
+    const auto termAt = [&](ptrdiff_t at) { return term(first.at(at), rest.at(at)...); };
+    Sum sums[registers] = {};
+    ptrdiff_t i = 0;
+    for (; i <= n - lanes; i += lanes)
+        forConstants<registers>([&](auto j) {
+            sums[j] = sums[j] + termAt(i + j * size);
+            return true;
+        });
+    Sum ragged = {};
+    if (const ptrdiff_t k = (n - i) % size; k > 0)
+        ragged = keepFirst(term(first.first(n - k, k), rest.first(n - k, k)...), k);
+    forConstants<registers>([&](auto j) {
+        const bool whole = n - i >= (j + 1) * size;
+        sums[j] = sums[j] + (whole ? termAt(i + j * size) : ragged);
+        return whole;
+    });
+    return sumHalving(joinHalves<registers>(sums, [](Sum a, Sum b) { return a + b; }));
 }
 
-// Terms of zeros are zeros: nothing is to be kept out of a ragged end.
-constexpr auto asItIs = [](auto last, ptrdiff_t) { return last; };
-
-// The sum of the lanes term(sources[i]...), integers, modulo the lane. Terms of zeros must be zeros.
-template <class Term, class First, class... Rest> inline auto sumOf(ptrdiff_t n, Term term, First first, Rest... rest)
+// Joins `start` and term(sources[i]...) of the whole registers among n elements, in any order.
+template <int registers, class Part, class Term, class Join, class First, class... Rest>
+__attribute__((always_inline)) inline Part joinWhole(ptrdiff_t n, Part start, Term term, Join join, First first,
+                                                     Rest... rest)
 {
-    return fold<4>(
-        n, term, asItIs, [](auto sum, auto next) { return sum + next; }, first, rest...);
+    constexpr int size = First::Vector::lanes;
+    Part joined = start;
+    ptrdiff_t i = 0;
+    if (n >= registers * size) {
+        Part parts[registers] = {start};
+        for (; i <= n - registers * size; i += registers * size)
+            forConstants<registers>([&](auto j) {
+                parts[j] = join(parts[j], term(first.at(i + j * size), rest.at(i + j * size)...));
+                return true;
+            });
+        joined = joinHalves<registers>(parts, join);
+    }
+    for (; i <= n - size; i += size)
+        joined = join(joined, term(first.at(i), rest.at(i)...));
+    return joined;
+}
+
+// The sum of the lanes of term(sources[i]...), integers, modulo the lane. Terms of zeros must be zeros.
+template <class Term, class First, class... Rest>
+__attribute__((always_inline)) inline auto sumOf(ptrdiff_t n, Term term, First first, Rest... rest)
+{
+    using Sum = decltype(term(first.at(0), rest.at(0)...));
+    Sum ragged = {};
+    if (const ptrdiff_t k = n % First::Vector::lanes; k > 0)
+        ragged = term(first.first(n - k, k), rest.first(n - k, k)...);
+    return sum(joinWhole<4>(
+        n, ragged, term, [](Sum a, Sum b) { return a + b; }, first, rest...));
 }
 
 // The largest term(source[i]) of n elements that is above 0, or +0. A NaN is never larger. Eight registers hide the
-// latency of the comparison.
-template <class Term, class Source> inline auto largestOf(ptrdiff_t n, Term term, Source source)
+// latency of the comparison; the last one overlaps the one before.
+template <class Term, class Source>
+__attribute__((always_inline)) inline auto largestOf(ptrdiff_t n, Term term, Source source)
 {
-    return largest(fold<8>(
-        n, term, asItIs, [](auto most, auto next) { return larger(next, most); }, source));
+    constexpr int size = Source::Vector::lanes;
+    using Part = decltype(term(source.at(0)));
+    const auto join = [](Part most, Part next) { return larger(next, most); };
+    Part last = {};
+    if (n >= size)
+        last = join(last, term(source.at(n - size)));
+    else if (n > 0)
+        last = join(last, term(source.first(0, n)));
+    return largest(joinWhole<8>(n, last, term, join, source));
 }
 
 } // namespace

@@ -4,8 +4,7 @@
 namespace {
 
 // Four entries meet in a register: a store each would take as long as the look-ups.
-template <class Index>
-inline void lookUp(uint32_t *dst, const Index *indices, const uint32_t *table, ptrdiff_t count)
+template <class Index> inline void lookUp(uint32_t *dst, const Index *indices, const uint32_t *table, ptrdiff_t count)
 {
     const auto entry = [=](ptrdiff_t i) {
         const auto index = loadPiece<Index>((const uint8_t *)(indices + i));

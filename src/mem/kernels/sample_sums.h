@@ -42,14 +42,14 @@ uint32_t MemAbsDiffSumS16(const int16_t *a, const int16_t *b, uint64_t count)
         const i16s d = subtractLimited(x, y);
         return as<u32s>(multiplyAddPairs(d, unitWithSignOf(d)));
     };
-    return sum(sumOf((ptrdiff_t)count, magnitudes, Lanes<i16s>{a}, Lanes<i16s>{b}));
+    return sumOf((ptrdiff_t)count, magnitudes, Lanes<i16s>{a}, Lanes<i16s>{b});
 }
 
 // Two products of -32768 make 2^31, which is right modulo 2^32.
 int32_t MemMulAddS16(const int16_t *a, const int16_t *b, uint64_t count)
 {
     const auto products = [](i16s x, i16s y) { return as<u32s>(multiplyAddPairs(x, y)); };
-    return (int32_t)sum(sumOf((ptrdiff_t)count, products, Lanes<i16s>{a}, Lanes<i16s>{b}));
+    return (int32_t)sumOf((ptrdiff_t)count, products, Lanes<i16s>{a}, Lanes<i16s>{b});
 }
 
 } // namespace
