@@ -134,6 +134,19 @@ template <class Vector> inline void storeFirst(void *to, Vector x, ptrdiff_t n)
     storeFew((uint8_t *)to + (n & 16), some, n & 15);
 }
 
+// Lane 0, the element of 4 or 8 bytes at an address; zeros behind it.
+template <class Vector> inline Vector loadOne(const void *from)
+{
+    if constexpr (Vector::lanes == 8)
+        return fromBits<Vector>(_mm256_zextsi128_si256(_mm_cvtsi32_si128(loadPiece<int>((const uint8_t *)from))));
+    else
+        return fromBits<Vector>(_mm256_zextsi128_si256(_mm_loadl_epi64((const __m128i *)from)));
+}
+template <class Vector> inline void storeOne(void *to, Vector x)
+{
+    storeOne16<32 / Vector::lanes>(to, _mm256_castsi256_si128(bitsOf(x.v)));
+}
+
 template <class Vector> inline Vector zero() { return fromBits<Vector>(_mm256_setzero_si256()); }
 inline u8s splat8(uint8_t x) { return {_mm256_set1_epi8((char)x)}; }
 inline u16s splat16(uint16_t x) { return {_mm256_set1_epi16((short)x)}; }

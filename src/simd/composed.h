@@ -44,7 +44,13 @@ template <> inline DoubledFloats loadEnds<DoubledFloats>(const void *from, ptrdi
     const Pair<f64s> wide = toDouble(loadEnds<f32s>(from, n));
     return {wide.low, wide.high};
 }
+template <> inline DoubledFloats loadOne<DoubledFloats>(const void *from)
+{
+    const f64s one = toDouble(loadOne<f32s>(from)).low;
+    return {one, one}; // two of the same cost what one does
+}
 inline void store(void *to, DoubledFloats x) { store(to, toFloat(x.low, x.high)); }
 inline void storeEnds(void *to, DoubledFloats x, ptrdiff_t n) { storeEnds(to, toFloat(x.low, x.high), n); }
+inline void storeOne(void *to, DoubledFloats x) { storeOne(to, toFloat(x.low, x.high)); }
 
 } // namespace

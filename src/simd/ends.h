@@ -93,4 +93,16 @@ inline void storeFew(uint8_t *to, __m128i x, ptrdiff_t n)
         *to = (uint8_t)bytes;
 }
 
+// The first element, of 4 or 8 bytes.
+template <int bytes> inline void storeOne16(void *to, __m128i x)
+{
+    if constexpr (bytes == 4) {
+        const int one = _mm_cvtsi128_si32(x);
+        memcpy(to, &one, sizeof(one));
+    } else {
+        static_assert(bytes == 8);
+        _mm_storel_epi64((__m128i *)to, x);
+    }
+}
+
 } // namespace

@@ -123,6 +123,27 @@ inline void map(Element *dst, ptrdiff_t n, Op op, const Sources *...sources)
     }
 }
 
+// dst[i] = op(dst[i], src[i]) over n elements; dst may equal src. The ragged end goes element by element: a row that is
+// added to again and again loads what it stored last, and a load that meets two stores, as overlapping blocks leave
+// them, waits for both.
+template <class Vector, class Element, class Op>
+inline void update(Element *dst, ptrdiff_t n, Op op, const Element *src)
+{
+    constexpr int size = Vector::lanes;
+    const auto step = [=](ptrdiff_t i) { store(dst + i, op(load<Vector>(dst + i), load<Vector>(src + i))); };
+    ptrdiff_t i = 0;
+    for (; i <= n - 4 * size; i += 4 * size) {
+        step(i);
+        step(i + size);
+        step(i + 2 * size);
+        step(i + 3 * size);
+    }
+    for (; i <= n - size; i += size)
+        step(i);
+    for (; i < n; ++i)
+        storeOne(dst + i, op(loadOne<Vector>(dst + i), loadOne<Vector>(src + i)));
+}
+
 // --- Reductions ----------------------------------------------------------------------------------------------
 // A source of a reduction hands out vectors of elements: at(i) those from element i on, first(i, k) the k elements from
 // i on, zeros behind them, k from 1 to a whole vector. Nothing outside the row is read.

@@ -112,6 +112,16 @@ template <class Vector> inline void storeFirst(void *to, Vector x, ptrdiff_t n)
     storeFew((uint8_t *)to, bitsOf(x.v), n);
 }
 
+// Lane 0, the element of 4 or 8 bytes at an address; zeros behind it.
+template <class Vector> inline Vector loadOne(const void *from)
+{
+    if constexpr (Vector::lanes == 4)
+        return fromBits<Vector>(_mm_cvtsi32_si128(loadPiece<int>((const uint8_t *)from)));
+    else
+        return fromBits<Vector>(_mm_loadl_epi64((const __m128i *)from));
+}
+template <class Vector> inline void storeOne(void *to, Vector x) { storeOne16<16 / Vector::lanes>(to, bitsOf(x.v)); }
+
 template <class Vector> inline Vector zero() { return fromBits<Vector>(_mm_setzero_si128()); }
 inline u8s splat8(uint8_t x) { return {_mm_set1_epi8((char)x)}; }
 inline u16s splat16(uint16_t x) { return {_mm_set1_epi16((short)x)}; }

@@ -25,8 +25,8 @@ void MemGainF32(float *dst, const float *src, float gain, uint64_t count)
 
 void MemGainAddF32(float *dst, const float *src, float gain, uint64_t count)
 {
-    map<f32s>(
-        dst, (ptrdiff_t)count, [g = splatF32(gain)](f32s old, f32s x) { return old + x * g; }, dst, src);
+    update<f32s>(
+        dst, (ptrdiff_t)count, [g = splatF32(gain)](f32s old, f32s x) { return old + x * g; }, src);
 }
 
 void MemScaleF64ToF64(double *dst, const double *src, double gain, uint64_t count)
@@ -37,8 +37,8 @@ void MemScaleF64ToF64(double *dst, const double *src, double gain, uint64_t coun
 
 void MemScaleAddF64(double *dst, const double *src, double gain, uint64_t count)
 {
-    map<f64s>(
-        dst, (ptrdiff_t)count, [g = splatF64(gain)](f64s old, f64s x) { return old + x * g; }, dst, src);
+    update<f64s>(
+        dst, (ptrdiff_t)count, [g = splatF64(gain)](f64s old, f64s x) { return old + x * g; }, src);
 }
 
 void MemScaleF32ToF32(float *dst, const float *src, double gain, uint64_t count)
@@ -49,9 +49,8 @@ void MemScaleF32ToF32(float *dst, const float *src, double gain, uint64_t count)
 
 void MemScaleAddF32(float *dst, const float *src, double gain, uint64_t count)
 {
-    map<DoubledFloats>(
-        dst, (ptrdiff_t)count, [g = splatF64(gain)](DoubledFloats old, DoubledFloats x) { return old + x * g; }, dst,
-        src);
+    update<DoubledFloats>(
+        dst, (ptrdiff_t)count, [g = splatF64(gain)](DoubledFloats old, DoubledFloats x) { return old + x * g; }, src);
 }
 
 // --- Two signals ---------------------------------------------------------------------------------------------
@@ -88,8 +87,8 @@ void MemMulF32(float *dst, const float *a, const float *b, uint64_t count)
 
 void MemMulF32InPlace(float *dst, const float *src, uint64_t count)
 {
-    map<f32s>(
-        dst, (ptrdiff_t)count, [](f32s x, f32s y) { return x * y; }, dst, src);
+    update<f32s>(
+        dst, (ptrdiff_t)count, [](f32s x, f32s y) { return x * y; }, src);
 }
 
 void MemDivF32(float *dst, const float *a, const float *b, uint64_t count)
