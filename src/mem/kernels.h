@@ -5,6 +5,10 @@
 
 #include "mem/kernels/pending_floats.h"
 
-#include "mem/kernels/pending_formats.h"
+#include "mem/kernels/sample_formats.h"
+
+#include "mem/kernels/convert_samples.h"
+
+#include "mem/kernels/scale_samples.h"
 
 #include "mem/kernels/pending_moves.h"

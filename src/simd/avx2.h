@@ -198,6 +198,8 @@ inline u8s larger(u8s a, u8s b) { return {_mm256_max_epu8(a.v, b.v)}; }
 inline u8s smaller(u8s a, u8s b) { return {_mm256_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
+inline i32s larger(i32s a, i32s b) { return {_mm256_max_epi32(a.v, b.v)}; }
+inline i32s smaller(i32s a, i32s b) { return {_mm256_min_epi32(a.v, b.v)}; }
 
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm256_cmpeq_epi8(a.v, b.v)}; }
@@ -326,6 +328,8 @@ inline u8s narrow(u16s low, u16s high) { return {unmix(_mm256_packus_epi16(low.v
 inline u8s narrow(i16s low, i16s high) { return {unmix(_mm256_packus_epi16(low.v, high.v))}; }
 inline i8s narrowSigned(i16s low, i16s high) { return {unmix(_mm256_packs_epi16(low.v, high.v))}; }
 inline i16s narrow(i32s low, i32s high) { return {unmix(_mm256_packs_epi32(low.v, high.v))}; }
+// Lanes from 0 to 65535.
+inline u16s narrowWords(i32s low, i32s high) { return {unmix(_mm256_packus_epi32(low.v, high.v))}; }
 
 inline WideBytes widen(u8s x)
 {

@@ -96,6 +96,22 @@ template <int size, class Step, class... Rows> inline void forBlocks(ptrdiff_t n
     }(typename Rows::template Short<size>()...);
 }
 
+// forBlocks for one source, which the destination may be: a block may read only what it then writes. The source of the
+// last block is set aside before the block that it overlaps is overwritten.
+template <int size, int unit, class Step>
+inline void forBlocksInPlace(ptrdiff_t n, Step step, Out<unit> dst, In<unit> src)
+{
+    if (n <= size) {
+        forBlocks<size>(n, step, dst, src);
+        return;
+    }
+    typename In<unit>::template Short<size> aside;
+    const In<unit> last = aside.take({src.at(n - size)}, size);
+    for (ptrdiff_t i = 0; i < n - size; i += size)
+        step(dst.at(i), src.at(i));
+    step(dst.at(n - size), last.at(0));
+}
+
 // dst[i] = op(sources[i]...) over n elements, a register at a time. All rows have elements of one size; dst may equal
 // any of the sources: the last block is computed first, from inputs that nothing has overwritten yet.
 template <class Vector, class Element, class Op, class... Sources>
