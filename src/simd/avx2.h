@@ -387,6 +387,13 @@ inline Pair<f64s> toDouble(i32s x)
 // As many as fit a vector of the wider type, read from memory and no more.
 inline f64s loadAsDoubles(const float *from) { return {_mm256_cvtps_pd(_mm_loadu_ps(from))}; }
 inline i32s loadAsWide(const int16_t *from) { return {_mm256_cvtepi16_epi32(_mm_loadu_si128((const __m128i *)from))}; }
+inline i32s loadAsWide(const uint8_t *from) { return {_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i *)from))}; }
+// The same at the top of the lanes, zeros below.
+inline i32s loadTop8(const uint8_t *from) { return shiftLeft<24>(loadAsWide(from)); }
+inline i32s loadTop16(const uint8_t *from)
+{
+    return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
+}
 // Rounded to nearest.
 inline f32s toFloat(f64s low, f64s high)
 {

@@ -312,6 +312,21 @@ inline i32s loadAsWide(const int16_t *from)
     const __m128i four = _mm_loadl_epi64((const __m128i *)from);
     return {_mm_srai_epi32(_mm_unpacklo_epi16(four, four), 16)};
 }
+inline i32s loadAsWide(const uint8_t *from)
+{
+    const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(loadPiece<int>(from)), _mm_setzero_si128());
+    return {_mm_unpacklo_epi16(words, _mm_setzero_si128())};
+}
+// The same at the top of the lanes, zeros below.
+inline i32s loadTop8(const uint8_t *from)
+{
+    const __m128i words = _mm_unpacklo_epi8(_mm_setzero_si128(), _mm_cvtsi32_si128(loadPiece<int>(from)));
+    return {_mm_unpacklo_epi16(_mm_setzero_si128(), words)};
+}
+inline i32s loadTop16(const uint8_t *from)
+{
+    return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
+}
 // Rounded to nearest.
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
 

@@ -46,13 +46,18 @@ void ConvertS32ToF32Gain(float *dst, const int32_t *src, float gain, uint64_t co
 
 void ConvertS8ToS16(int16_t *dst, const int8_t *src, uint64_t count)
 {
-    forBlocks<u8s::lanes>((ptrdiff_t)count,
-                          [](uint8_t *to, const uint8_t *from) {
-                              const u8s x = load<u8s>(from);
-                              store(to, interleaveLow(zero<u8s>(), x));
-                              store(to + sizeof(u8s), interleaveHigh(zero<u8s>(), x));
-                          },
-                          Out<2>{dst}, In<1>{src});
+    const auto widen = [](uint8_t *to, const uint8_t *from) {
+        const u8s x = load<u8s>(from);
+        store(to, interleaveLow(zero<u8s>(), x));
+        store(to + sizeof(u8s), interleaveHigh(zero<u8s>(), x));
+    };
+    forBlocksAndParts<2 * u8s::lanes, u8s::lanes>( // the loop's own instructions show in so short a kernel
+        (ptrdiff_t)count,
+        [widen](uint8_t *to, const uint8_t *from) {
+            widen(to, from);
+            widen(to + 2 * sizeof(u8s), from + sizeof(u8s));
+        },
+        widen, Out<2>{dst}, In<1>{src});
 }
 
 void ConvertS8ToS24(uint8_t *dst, const int8_t *src, uint64_t count) { convert<S24, S8>(dst, src, count, topToS24); }
