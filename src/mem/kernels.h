@@ -9,6 +9,10 @@
 #include "mem/kernels/peaks.h"
 #include "mem/kernels/sample_sums.h"
 
-#include "mem/kernels/pending_formats.h"
+#include "mem/kernels/sample_formats.h"
+
+#include "mem/kernels/convert_samples.h"
+
+#include "mem/kernels/scale_samples.h"
 
 #include "mem/kernels/pending_moves.h"

@@ -228,6 +228,7 @@ inline u8s larger(u8s a, u8s b) { return {_mm256_max_epu8(a.v, b.v)}; }
 inline u8s smaller(u8s a, u8s b) { return {_mm256_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
+inline i32s larger(i32s a, i32s b) { return {_mm256_max_epi32(a.v, b.v)}; }
 inline i32s smaller(i32s a, i32s b) { return {_mm256_min_epi32(a.v, b.v)}; }
 
 inline Magnitudes<i16s> magnitude(i16s x) { return {_mm256_abs_epi16(x.v)}; }
@@ -362,6 +363,8 @@ inline u8s narrow(u16s low, u16s high) { return {unmix(_mm256_packus_epi16(low.v
 inline u8s narrow(i16s low, i16s high) { return {unmix(_mm256_packus_epi16(low.v, high.v))}; }
 inline i8s narrowSigned(i16s low, i16s high) { return {unmix(_mm256_packs_epi16(low.v, high.v))}; }
 inline i16s narrow(i32s low, i32s high) { return {unmix(_mm256_packs_epi32(low.v, high.v))}; }
+// Lanes from 0 to 65535.
+inline u16s narrowWords(i32s low, i32s high) { return {unmix(_mm256_packus_epi32(low.v, high.v))}; }
 
 inline WideBytes widen(u8s x)
 {
@@ -419,6 +422,13 @@ inline Pair<f64s> toDouble(i32s x)
 // As many as fit a vector of the wider type, read from memory and no more.
 inline f64s loadAsDoubles(const float *from) { return {_mm256_cvtps_pd(_mm_loadu_ps(from))}; }
 inline i32s loadAsWide(const int16_t *from) { return {_mm256_cvtepi16_epi32(_mm_loadu_si128((const __m128i *)from))}; }
+inline i32s loadAsWide(const uint8_t *from) { return {_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i *)from))}; }
+// The same at the top of the lanes, zeros below.
+inline i32s loadTop8(const uint8_t *from) { return shiftLeft<24>(loadAsWide(from)); }
+inline i32s loadTop16(const uint8_t *from)
+{
+    return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
+}
 // Rounded to nearest.
 inline f32s toFloat(f64s low, f64s high)
 {

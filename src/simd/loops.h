@@ -84,7 +84,7 @@ template <int size, class Step, class... Rows> inline void forBlocks(ptrdiff_t n
     if (n <= 0)
         return;
     const bool isShort = n < size;
-    [&](typename Rows::template Short<size>... shorts) {
+    [&](typename Rows::template Short<size> &&...shorts) {
         [&](auto... work) {
             const ptrdiff_t last = isShort ? 0 : n - size;
             for (ptrdiff_t i = 0; i < last; i += size)
@@ -94,6 +94,41 @@ template <int size, class Step, class... Rows> inline void forBlocks(ptrdiff_t n
         if (isShort)
             (shorts.giveBack(rows, n), ...);
     }(typename Rows::template Short<size>()...);
+}
+
+// forBlocks with smaller blocks of `part` units, run by partStep, where less than a block of `size` is left: for
+// kernels so short that the overlap of a large block would show.
+template <int size, int part, class Step, class PartStep, class... Rows>
+inline void forBlocksAndParts(ptrdiff_t n, Step step, PartStep partStep, Rows... rows)
+{
+    if (n < part) {
+        forBlocks<part>(n, partStep, rows...);
+        return;
+    }
+    ptrdiff_t i = 0;
+    for (; i <= n - size; i += size)
+        step(rows.at(i)...);
+    if (i == n)
+        return;
+    for (; i < n - part; i += part)
+        partStep(rows.at(i)...);
+    partStep(rows.at(n - part)...);
+}
+
+// forBlocks for one source, which the destination may be: a block may read only what it then writes. The source of the
+// last block is set aside before the block that it overlaps is overwritten.
+template <int size, int unit, class Step>
+inline void forBlocksInPlace(ptrdiff_t n, Step step, Out<unit> dst, In<unit> src)
+{
+    if (n <= size) {
+        forBlocks<size>(n, step, dst, src);
+        return;
+    }
+    typename In<unit>::template Short<size> aside;
+    const In<unit> last = aside.take({src.at(n - size)}, size);
+    for (ptrdiff_t i = 0; i < n - size; i += size)
+        step(dst.at(i), src.at(i));
+    step(dst.at(n - size), last.at(0));
 }
 
 // dst[i] = op(sources[i]...) over n elements, a register at a time. All rows have elements of one size; dst may equal

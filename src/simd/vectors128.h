@@ -223,6 +223,9 @@ inline u32s equal(u32s a, u32s b) { return {_mm_cmpeq_epi32(a.v, b.v)}; }
 inline i16s greater(i16s a, i16s b) { return {_mm_cmpgt_epi16(a.v, b.v)}; }
 inline i32s greater(i32s a, i32s b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
 
+inline i32s larger(i32s a, i32s b) { return select(greater(a, b), a, b); }
+inline i32s smaller(i32s a, i32s b) { return select(greater(b, a), a, b); }
+
 // The top bit of every byte, that of lane 0 lowest.
 inline uint32_t topBits(u8s x) { return (uint32_t)_mm_movemask_epi8(x.v); }
 constexpr uint32_t allTopBits = 0xFFFF;
@@ -282,6 +285,13 @@ inline u8s narrow(u16s low, u16s high) { return {_mm_packus_epi16(low.v, high.v)
 inline u8s narrow(i16s low, i16s high) { return {_mm_packus_epi16(low.v, high.v)}; }
 inline i8s narrowSigned(i16s low, i16s high) { return {_mm_packs_epi16(low.v, high.v)}; }
 inline i16s narrow(i32s low, i32s high) { return {_mm_packs_epi32(low.v, high.v)}; }
+// Lanes from 0 to 65535, moved to the signed range and back: only its limits are to be had.
+inline u16s narrowWords(i32s low, i32s high)
+{
+    const __m128i middle = _mm_set1_epi32(32768);
+    const __m128i words = _mm_packs_epi32(_mm_sub_epi32(low.v, middle), _mm_sub_epi32(high.v, middle));
+    return {_mm_xor_si128(words, _mm_set1_epi16(-32768))};
+}
 
 inline WideBytes widen(u8s x) { return {{widenLow(x).v}, {widenHigh(x).v}}; }
 // x << 8
@@ -335,6 +345,21 @@ inline i32s loadAsWide(const int16_t *from)
 {
     const __m128i four = _mm_loadl_epi64((const __m128i *)from);
     return {_mm_srai_epi32(_mm_unpacklo_epi16(four, four), 16)};
+}
+inline i32s loadAsWide(const uint8_t *from)
+{
+    const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(loadPiece<int>(from)), _mm_setzero_si128());
+    return {_mm_unpacklo_epi16(words, _mm_setzero_si128())};
+}
+// The same at the top of the lanes, zeros below.
+inline i32s loadTop8(const uint8_t *from)
+{
+    const __m128i words = _mm_unpacklo_epi8(_mm_setzero_si128(), _mm_cvtsi32_si128(loadPiece<int>(from)));
+    return {_mm_unpacklo_epi16(_mm_setzero_si128(), words)};
+}
+inline i32s loadTop16(const uint8_t *from)
+{
+    return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
 }
 // Rounded to nearest.
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
