@@ -15,4 +15,7 @@ template <int bits> inline WideBytes shiftRightRounded(WideBytes x)
     return both(x, [](i16s half) { return shiftRight<bits>(half + splatI16(1 << (bits - 1))); });
 }
 
+// The two 16-bit halves of every lane exchanged.
+inline u32s swapHalves(u32s x) { return as<u32s>(orderFours<1, 0, 3, 2>(as<u16s>(x))); }
+
 } // namespace

@@ -83,6 +83,11 @@ template <class Vector> inline Vector load(const void *from)
     return fromBits<Vector>(_mm_loadu_si128((const __m128i *)from));
 }
 template <class Vector> inline void store(void *to, Vector x) { _mm_storeu_si128((__m128i *)to, bitsOf(x.v)); }
+// Past the caches, to an aligned address; a fence must follow the last one.
+template <class Vector> inline void storeStreaming(void *to, Vector x)
+{
+    _mm_stream_si128((__m128i *)to, bitsOf(x.v));
+}
 
 // A run of n bytes, fewer than a register holds, as its first and its last bytes: see ends.h.
 template <class Vector> inline Vector loadEnds(const void *from, ptrdiff_t n)
@@ -212,6 +217,25 @@ inline u16s interleaveLow(u16s a, u16s b) { return {_mm_unpacklo_epi16(a.v, b.v)
 inline u16s interleaveHigh(u16s a, u16s b) { return {_mm_unpackhi_epi16(a.v, b.v)}; }
 inline u32s interleaveLow(u32s a, u32s b) { return {_mm_unpacklo_epi32(a.v, b.v)}; }
 inline u32s interleaveHigh(u32s a, u32s b) { return {_mm_unpackhi_epi32(a.v, b.v)}; }
+
+// Lanes a, b, c, d of every four.
+template <int a, int b, int c, int d> inline u16s orderFours(u16s x)
+{
+    constexpr int order = _MM_SHUFFLE(d, c, b, a);
+    return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(x.v, order), order)};
+}
+template <int a, int b, int c, int d> inline u32s orderFours(u32s x)
+{
+    return {_mm_shuffle_epi32(x.v, _MM_SHUFFLE(d, c, b, a))};
+}
+
+// The two bytes of every lane exchanged.
+inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
+
+// The lanes in reverse order.
+inline u32s reversed(u32s x) { return orderFours<3, 2, 1, 0>(x); }
+inline u16s reversed(u16s x) { return {_mm_shuffle_epi32(orderFours<3, 2, 1, 0>(x).v, _MM_SHUFFLE(1, 0, 3, 2))}; }
+inline u8s reversed(u8s x) { return as<u8s>(swapBytes(reversed(as<u16s>(x)))); }
 
 // The even and the odd lanes of a followed by b.
 inline u32s evens(u32s a, u32s b)
