@@ -329,6 +329,14 @@ inline __m256i pack24(u32s x, __m256i order)
     return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(x.v, push), order);
 }
 
+// A register of pixels as 24 bytes of packed 3-byte pixels.
+inline void storePixels24(uint8_t *to, u32s x)
+{
+    const __m256i bytes = pack24(x, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+    _mm_storeu_si128((__m128i *)to, _mm256_castsi256_si128(bytes));
+    _mm_storel_epi64((__m128i *)(to + 16), _mm256_extracti128_si256(bytes, 1));
+}
+
 // 4 registers of pixels as packed 3-byte pixels: 24 bytes a register.
 //   a a a a a a b b | b b b b c c c c | c c d d d d d d     in 32-bit pieces
 inline void storePixels24(uint8_t *to, u32s a, u32s b, u32s c, u32s d)

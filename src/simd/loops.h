@@ -77,28 +77,7 @@ template <int unit> struct Out {
     };
 };
 
-// A destination row of which something stays. A step that runs twice over the same units must do the same as once: the
-// last block overlaps the one before.
-template <int unit> struct InOut {
-    void *row;
-
-    uint8_t *at(ptrdiff_t i) const { return (uint8_t *)row + i * unit; }
-
-    template <int size> struct Short {
-        static constexpr ptrdiff_t room = (size * unit + 15) / 16 * 16;
-        uint8_t bytes[room];
-
-        Short() {}
-        InOut take(InOut from, ptrdiff_t n)
-        {
-            copyPadded<room>(bytes, from.at(0), n * unit);
-            return {bytes};
-        }
-        void giveBack(InOut to, ptrdiff_t n) const { copyFew(to.at(0), bytes, n * unit); }
-    };
-};
-
-// Runs step over n units, `size` at a time; step gets a pointer into every row (Out, In or InOut) and handles exactly
+// Runs step over n units, `size` at a time; step gets a pointer into every row (Out or In) and handles exactly
 // `size` units. Rows must not overlap. A count of 0 or less does nothing.
 template <int size, class Step, class... Rows> inline void forBlocks(ptrdiff_t n, Step step, Rows... rows)
 {

@@ -247,6 +247,14 @@ inline u32s odds(u32s a, u32s b)
     return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v), _MM_SHUFFLE(3, 1, 3, 1)))};
 }
 
+// The first 12 bytes.
+inline void store12(uint8_t *to, __m128i x)
+{
+    const int last = _mm_cvtsi128_si32(_mm_unpackhi_epi64(x, x));
+    _mm_storel_epi64((__m128i *)to, x);
+    memcpy(to + 8, &last, sizeof(last));
+}
+
 // Four runs of 12 bytes, zeros behind each, as 48 bytes.
 inline void store48(uint8_t *to, __m128i a, __m128i b, __m128i c, __m128i d)
 {

@@ -56,7 +56,9 @@ void MemScatterStrided(uint8_t *dst, const uint8_t *src, int64_t dstStride, int6
     if (rows == 0)
         return;
     const int64_t last = (int64_t)rows - 1;
-    moveRuns(dst + last * dstStride, src + last * srcStride, -dstStride, -srcStride, (ptrdiff_t)runBytes, rows);
+    const auto back = [](int64_t stride) { return (int64_t)(0 - (uint64_t)stride); }; // of any stride
+    moveRuns(dst + last * dstStride, src + last * srcStride, back(dstStride), back(srcStride), (ptrdiff_t)runBytes,
+             rows);
 }
 
 } // namespace

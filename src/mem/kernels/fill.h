@@ -48,6 +48,18 @@ inline uint64_t later(uint64_t eight, ptrdiff_t by)
     return eight >> bits | eight << (-bits & 63);
 }
 
+// Registers of 16 bytes fill a cache at half the rate that it takes. From 2 KiB on the processor's own loop is faster,
+// twice as fast from 4 KiB on (Zen 4), at every alignment; unlike `rep movsb` it has no bad cases. With 32-byte
+// registers it gains nothing.
+constexpr ptrdiff_t storedByProcessor = sizeof(u8s) > 16 ? PTRDIFF_MAX : 2048;
+
+// Whole words from an aligned address on, the last of which ends at most 7 bytes before `end`.
+inline void storeWords(uint8_t *to, const uint8_t *end, uint64_t word)
+{
+    ptrdiff_t words = (end - to) / 8;
+    __asm__ volatile("rep stosq" : "+D"(to), "+c"(words) : "a"(word) : "memory");
+}
+
 template <int count> inline void fillEndBlocks(uint8_t *dst, u8s value, ptrdiff_t n)
 {
     Block<count> block;
@@ -79,11 +91,15 @@ inline void fillBytes(uint8_t *dst, uint64_t eight, ptrdiff_t n)
         fillEndBlocks<4>(dst, value, n);
     } else {
         const ptrdiff_t skip = toAligned(dst);
-        const u8s aligned = as<u8s>(splat64(later(eight, skip)));
+        const uint64_t word = later(eight, skip);
+        const u8s aligned = as<u8s>(splat64(word));
         const Block<4> last = {{value, value, value, value}};
         uint8_t *const lastTo = dst + n - last.size;
         store(dst, value);
-        repeat<4>(dst + skip, lastTo, {{aligned, aligned, aligned, aligned}}, n >= streamedTraffic);
+        if (n >= storedByProcessor && n < streamedTraffic)
+            storeWords(dst + skip, dst + n, word);
+        else
+            repeat<4>(dst + skip, lastTo, {{aligned, aligned, aligned, aligned}}, n >= streamedTraffic);
         last.storeTo(lastTo);
     }
 }

@@ -31,11 +31,15 @@ void MemNarrow16To8Shift2(uint8_t *dst, const uint16_t *src, uint64_t count)
 void MemPack24(uint8_t *dst, const uint32_t *src, uint64_t count)
 {
     constexpr int size = sizeof(u32s);
-    const auto step = [](uint8_t *to, const uint8_t *from) {
+    const auto one = [](uint8_t *to, const uint8_t *from) { storePixels24(to, load<u32s>(from)); };
+    const auto four = [](uint8_t *to, const uint8_t *from) {
         storePixels24(to, load<u32s>(from), load<u32s>(from + size), load<u32s>(from + 2 * size),
                       load<u32s>(from + 3 * size));
     };
-    forBlocks<4 * u32s::lanes>((ptrdiff_t)count, step, Out<3>{dst}, In<4>{src});
+    if (count < 4 * u32s::lanes)
+        forBlocks<u32s::lanes>((ptrdiff_t)count, one, Out<3>{dst}, In<4>{src});
+    else
+        forBlocks<4 * u32s::lanes>((ptrdiff_t)count, four, Out<3>{dst}, In<4>{src});
 }
 
 void MemUnpack24(uint32_t *dst, const uint8_t *src, uint64_t count)
@@ -46,20 +50,45 @@ void MemUnpack24(uint32_t *dst, const uint8_t *src, uint64_t count)
 
 // --- Into the lower or the upper half of wider elements ------------------------------------------------------
 
-// Narrow and Wide: vectors of the elements; kept: the bits of a wide element that stay. The source's elements are
-// interleaved with zeros, above or below them.
-template <class Narrow, bool high, class Wide> inline void insert(void *dst, const void *src, uint64_t count, Wide kept)
+// x at the lower or upper half of the wide elements: the first and the second half of them.
+template <class Wide, bool upper, class Narrow> inline Pair<Wide> widenInto(Narrow x)
 {
-    const auto step = [kept](uint8_t *to, const uint8_t *from) {
-        const Narrow x = load<Narrow>(from);
-        const Narrow none = zero<Narrow>();
-        const Wide first = as<Wide>(high ? interleaveLow(none, x) : interleaveLow(x, none));
-        const Wide second = as<Wide>(high ? interleaveHigh(none, x) : interleaveHigh(x, none));
-        store(to, (load<Wide>(to) & kept) | first);
-        store(to + sizeof(Wide), (load<Wide>(to + sizeof(Wide)) & kept) | second);
+    const Narrow none = zero<Narrow>();
+    return upper ? Pair<Wide>{as<Wide>(interleaveLow(none, x)), as<Wide>(interleaveHigh(none, x))}
+                 : Pair<Wide>{as<Wide>(interleaveLow(x, none)), as<Wide>(interleaveHigh(x, none))};
+}
+
+// kept: the bits of the wide elements that stay. As in map, the last block is read before the one ahead of it is
+// written.
+template <class Narrow, bool upper, class Wide> inline void insert(void *dst, const void *src, uint64_t count, Wide kept)
+{
+    constexpr ptrdiff_t size = sizeof(Narrow);
+    const ptrdiff_t n = (ptrdiff_t)count * (size / Narrow::lanes); // bytes of the source
+    uint8_t *const to = (uint8_t *)dst;
+    const uint8_t *const from = (const uint8_t *)src;
+    const auto merge = [=](ptrdiff_t low, ptrdiff_t high, Narrow x) {
+        const Pair<Wide> wide = widenInto<Wide, upper>(x);
+        return Pair<Wide>{(load<Wide>(to + low) & kept) | wide.low, (load<Wide>(to + high) & kept) | wide.high};
     };
-    constexpr int unit = sizeof(Narrow) / Narrow::lanes;
-    forBlocks<Narrow::lanes>((ptrdiff_t)count, step, InOut<2 * unit>{dst}, In<unit>{src});
+    const auto put = [=](ptrdiff_t low, ptrdiff_t high, Pair<Wide> x) {
+        store(to + low, x.low);
+        store(to + high, x.high);
+    };
+    if (n >= size) {
+        const ptrdiff_t end = n - size;
+        const Pair<Wide> last = merge(2 * end, 2 * end + size, load<Narrow>(from + end));
+        for (ptrdiff_t i = 0; i < end; i += size)
+            put(2 * i, 2 * i + size, merge(2 * i, 2 * i + size, load<Narrow>(from + i)));
+        put(2 * end, 2 * end + size, last);
+    } else if (n >= size / 2) { // half a register from either end
+        const ptrdiff_t end = 2 * n - size;
+        put(0, end, merge(0, end, loadEnds<Narrow>(from, n)));
+    } else if (n >= 2) {
+        const Wide x = widenInto<Wide, upper>(loadEnds<Narrow>(from, n)).low;
+        storeEnds(to, (loadEnds<Wide>(to, 2 * n) & kept) | x, 2 * n);
+    } else if (n == 1) {
+        to[upper] = *from;
+    }
 }
 
 void MemInsertLow8(uint16_t *dst, const uint8_t *src, uint64_t count)
