@@ -15,4 +15,9 @@
 
 #include "mem/kernels/scale_samples.h"
 
-#include "mem/kernels/pending_moves.h"
+#include "mem/kernels/copy.h"
+#include "mem/kernels/copy_runs.h"
+#include "mem/kernels/fill.h"
+#include "mem/kernels/order_in_elements.h"
+#include "mem/kernels/reverse.h"
+#include "mem/kernels/split_join.h"

@@ -88,6 +88,11 @@ template <class Vector> inline Vector load(const void *from)
     return fromBits<Vector>(_mm256_loadu_si256((const __m256i *)from));
 }
 template <class Vector> inline void store(void *to, Vector x) { _mm256_storeu_si256((__m256i *)to, bitsOf(x.v)); }
+// Past the caches, to an aligned address; a fence must follow the last one.
+template <class Vector> inline void storeStreaming(void *to, Vector x)
+{
+    _mm256_stream_si256((__m256i *)to, bitsOf(x.v));
+}
 
 // A run of n bytes as its first and its last bytes, as in ends.h; from 16 bytes on in the two halves.
 template <class Vector> inline Vector loadEnds(const void *from, ptrdiff_t n)
@@ -292,6 +297,34 @@ inline u32s interleaveHigh(u32s a, u32s b)
     return {upperHalves(_mm256_unpacklo_epi32(a.v, b.v), _mm256_unpackhi_epi32(a.v, b.v))};
 }
 
+// Lanes a, b, c, d of every four.
+template <int a, int b, int c, int d> inline u16s orderFours(u16s x)
+{
+    constexpr int order = _MM_SHUFFLE(d, c, b, a);
+    return {_mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x.v, order), order)};
+}
+template <int a, int b, int c, int d> inline u32s orderFours(u32s x)
+{
+    return {_mm256_shuffle_epi32(x.v, _MM_SHUFFLE(d, c, b, a))};
+}
+
+// The two bytes of every lane exchanged.
+inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
+
+// The lanes in reverse order.
+inline __m256i swapHalves(__m256i x) { return _mm256_permute4x64_epi64(x, _MM_SHUFFLE(1, 0, 3, 2)); }
+inline u32s reversed(u32s x) { return {swapHalves(orderFours<3, 2, 1, 0>(x).v)}; }
+inline u16s reversed(u16s x)
+{
+    const __m128i order = _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1);
+    return {swapHalves(_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order)))};
+}
+inline u8s reversed(u8s x)
+{
+    const __m128i order = _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    return {swapHalves(_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order)))};
+}
+
 // The even and the odd lanes of a followed by b.
 inline u32s evens(u32s a, u32s b)
 {
@@ -331,6 +364,14 @@ inline __m256i pack24(u32s x, __m256i order)
     const __m256i push = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1, //
                                           0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
     return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(x.v, push), order);
+}
+
+// A register of pixels as 24 bytes of packed 3-byte pixels.
+inline void storePixels24(uint8_t *to, u32s x)
+{
+    const __m256i bytes = pack24(x, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+    _mm_storeu_si128((__m128i *)to, _mm256_castsi256_si128(bytes));
+    _mm_storel_epi64((__m128i *)(to + 16), _mm256_extracti128_si256(bytes, 1));
 }
 
 // 4 registers of pixels as packed 3-byte pixels: 24 bytes a register.

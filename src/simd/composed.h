@@ -53,4 +53,7 @@ inline void store(void *to, DoubledFloats x) { store(to, toFloat(x.low, x.high))
 inline void storeEnds(void *to, DoubledFloats x, ptrdiff_t n) { storeEnds(to, toFloat(x.low, x.high), n); }
 inline void storeOne(void *to, DoubledFloats x) { storeOne(to, toFloat(x.low, x.high)); }
 
+// The two 16-bit halves of every lane exchanged.
+inline u32s swapHalves(u32s x) { return as<u32s>(orderFours<1, 0, 3, 2>(as<u16s>(x))); }
+
 } // namespace

@@ -89,6 +89,11 @@ template <class Vector> inline Vector load(const void *from)
     return fromBits<Vector>(_mm_loadu_si128((const __m128i *)from));
 }
 template <class Vector> inline void store(void *to, Vector x) { _mm_storeu_si128((__m128i *)to, bitsOf(x.v)); }
+// Past the caches, to an aligned address; a fence must follow the last one.
+template <class Vector> inline void storeStreaming(void *to, Vector x)
+{
+    _mm_stream_si128((__m128i *)to, bitsOf(x.v));
+}
 
 // A run of n bytes, fewer than a register holds, as its first and its last bytes: see ends.h.
 template <class Vector> inline Vector loadEnds(const void *from, ptrdiff_t n)
@@ -199,11 +204,19 @@ inline u8s half(u8s a) { return {_mm_and_si128(_mm_srli_epi16(a.v, 1), _mm_set1_
 inline u8s average(u8s a, u8s b) { return {_mm_avg_epu8(a.v, b.v)}; }
 inline u16s average(u16s a, u16s b) { return {_mm_avg_epu16(a.v, b.v)}; }
 
+// Masks.
+inline u8s equal(u8s a, u8s b) { return {_mm_cmpeq_epi8(a.v, b.v)}; }
+inline u16s equal(u16s a, u16s b) { return {_mm_cmpeq_epi16(a.v, b.v)}; }
+inline u32s equal(u32s a, u32s b) { return {_mm_cmpeq_epi32(a.v, b.v)}; }
+inline i16s greater(i16s a, i16s b) { return {_mm_cmpgt_epi16(a.v, b.v)}; }
+inline i32s greater(i32s a, i32s b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
+
 inline u8s larger(u8s a, u8s b) { return {_mm_max_epu8(a.v, b.v)}; }
 inline u8s smaller(u8s a, u8s b) { return {_mm_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
-inline i32s smaller(i32s a, i32s b) { return select({_mm_cmpgt_epi32(b.v, a.v)}, a, b); }
+inline i32s larger(i32s a, i32s b) { return select(greater(a, b), a, b); }
+inline i32s smaller(i32s a, i32s b) { return select(greater(b, a), a, b); }
 
 inline Magnitudes<i16s> magnitude(i16s x) { return {smaller(x, i16s{_mm_setzero_si128()} - x)}; }
 inline Magnitudes<i32s> magnitude(i32s x)
@@ -216,15 +229,6 @@ template <class Vector> inline Magnitudes<Vector> larger(Magnitudes<Vector> a, M
     return {smaller(a.negative, b.negative)};
 }
 
-// Masks.
-inline u8s equal(u8s a, u8s b) { return {_mm_cmpeq_epi8(a.v, b.v)}; }
-inline u16s equal(u16s a, u16s b) { return {_mm_cmpeq_epi16(a.v, b.v)}; }
-inline u32s equal(u32s a, u32s b) { return {_mm_cmpeq_epi32(a.v, b.v)}; }
-inline i16s greater(i16s a, i16s b) { return {_mm_cmpgt_epi16(a.v, b.v)}; }
-inline i32s greater(i32s a, i32s b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
-
-inline i32s larger(i32s a, i32s b) { return select(greater(a, b), a, b); }
-inline i32s smaller(i32s a, i32s b) { return select(greater(b, a), a, b); }
 
 // The top bit of every byte, that of lane 0 lowest.
 inline uint32_t topBits(u8s x) { return (uint32_t)_mm_movemask_epi8(x.v); }
@@ -250,6 +254,25 @@ inline u16s interleaveHigh(u16s a, u16s b) { return {_mm_unpackhi_epi16(a.v, b.v
 inline u32s interleaveLow(u32s a, u32s b) { return {_mm_unpacklo_epi32(a.v, b.v)}; }
 inline u32s interleaveHigh(u32s a, u32s b) { return {_mm_unpackhi_epi32(a.v, b.v)}; }
 
+// Lanes a, b, c, d of every four.
+template <int a, int b, int c, int d> inline u16s orderFours(u16s x)
+{
+    constexpr int order = _MM_SHUFFLE(d, c, b, a);
+    return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(x.v, order), order)};
+}
+template <int a, int b, int c, int d> inline u32s orderFours(u32s x)
+{
+    return {_mm_shuffle_epi32(x.v, _MM_SHUFFLE(d, c, b, a))};
+}
+
+// The two bytes of every lane exchanged.
+inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
+
+// The lanes in reverse order.
+inline u32s reversed(u32s x) { return orderFours<3, 2, 1, 0>(x); }
+inline u16s reversed(u16s x) { return {_mm_shuffle_epi32(orderFours<3, 2, 1, 0>(x).v, _MM_SHUFFLE(1, 0, 3, 2))}; }
+inline u8s reversed(u8s x) { return as<u8s>(swapBytes(reversed(as<u16s>(x)))); }
+
 // The even and the odd lanes of a followed by b.
 inline u32s evens(u32s a, u32s b)
 {
@@ -258,6 +281,14 @@ inline u32s evens(u32s a, u32s b)
 inline u32s odds(u32s a, u32s b)
 {
     return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v), _MM_SHUFFLE(3, 1, 3, 1)))};
+}
+
+// The first 12 bytes.
+inline void store12(uint8_t *to, __m128i x)
+{
+    const int last = _mm_cvtsi128_si32(_mm_unpackhi_epi64(x, x));
+    _mm_storel_epi64((__m128i *)to, x);
+    memcpy(to + 8, &last, sizeof(last));
 }
 
 // Four runs of 12 bytes, zeros behind each, as 48 bytes.
