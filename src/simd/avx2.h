@@ -199,6 +199,9 @@ inline u8s smaller(u8s a, u8s b) { return {_mm256_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
 
+// |a|, which wraps for the smallest value.
+inline i16s magnitude(i16s a) { return {_mm256_abs_epi16(a.v)}; }
+
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm256_cmpeq_epi8(a.v, b.v)}; }
 inline u16s equal(u16s a, u16s b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
