@@ -261,6 +261,8 @@ void MemMixOp6(uint8_t *dst, const uint8_t *const *src, const float *weights, in
     constexpr ptrdiff_t size = u8s::lanes;
     constexpr int registers = 4;
     const ptrdiff_t n = (ptrdiff_t)count;
+    if (!n)
+        return;
     InputMix mix(src, weights, inputs);
     ptrdiff_t i = 0;
     const auto take = [&i](const uint8_t *row, int j) { return load<u8s>(row + i + j * size); };
