@@ -199,7 +199,7 @@ inline u8s smaller(u8s a, u8s b) { return {_mm256_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
 
-// |a|, which wraps for the smallest value.
+// |a| for a above -32768.
 inline i16s magnitude(i16s a) { return {_mm256_abs_epi16(a.v)}; }
 
 // Masks.

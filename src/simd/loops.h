@@ -248,8 +248,20 @@ template <class Term, class Source> inline auto largestOf(ptrdiff_t n, Term term
 // How many sums a step of overBytes may keep side by side, to hide the latency of its additions.
 constexpr int accumulators = 4;
 
+// A register of zeros and one of ones; the one that begins k bytes in has ones in its last k lanes.
+struct ZerosThenOnes {
+    uint8_t bytes[2 * u8s::lanes] = {};
+
+    constexpr ZerosThenOnes()
+    {
+        for (int i = u8s::lanes; i < 2 * u8s::lanes; ++i)
+            bytes[i] = 0xFF;
+    }
+};
+constexpr ZerosThenOnes zerosThenOnes;
+
 // Goes over n bytes of every row: step(j, vectors...) takes a register of each and adds to its sum j. The last bytes
-// have zeros behind them. gather() empties the sums, at the end and before any of them has seen more than `most`
+// come with zeros on one side. gather() empties the sums, at the end and before any of them has seen more than `most`
 // registers.
 template <ptrdiff_t most, class Step, class Gather, class... Rows>
 inline void overBytes(ptrdiff_t n, Step step, Gather gather, const Rows *...rows)
@@ -267,7 +279,10 @@ inline void overBytes(ptrdiff_t n, Step step, Gather gather, const Rows *...rows
         for (; i <= end - size; i += size)
             step(0, load<u8s>(rows + i)...);
         if (i < end) {
-            step(0, loadFirst<u8s>(rows + i, end - i)...);
+            if (n < size)
+                step(0, loadFirst<u8s>(rows, n)...);
+            else
+                step(0, (load<u8s>(rows + n - size) & load<u8s>(zerosThenOnes.bytes + (n - i)))...);
             i = end;
         }
         gather();

@@ -182,8 +182,8 @@ inline u8s smaller(u8s a, u8s b) { return {_mm_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
 
-// |a|, which wraps for the smallest value.
-inline i16s magnitude(i16s a) { return larger(a, zero<i16s>() - a); }
+// |a| for a above -32768. (The subtraction saturates, as compilers expand a plain one into the terms of a.)
+inline i16s magnitude(i16s a) { return larger(a, subtractLimited(zero<i16s>(), a)); }
 
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm_cmpeq_epi8(a.v, b.v)}; }

@@ -46,8 +46,11 @@ template <class Test, class... Rows> inline uint64_t countByPopulation(ptrdiff_t
     uint64_t rest = 0; // of fewer than 64 lanes
     for (; i <= n - size; i += size)
         rest = rest << size | topBits(test(load<u8s>(rows + i)...));
-    if (const ptrdiff_t k = n - i; k > 0)
-        rest = rest << k | (topBits(test(loadFirst<u8s>(rows + i, k)...)) & ((1u << k) - 1));
+    if (const ptrdiff_t k = n - i; k > 0) {
+        const uint32_t last = n < size ? topBits(test(loadFirst<u8s>(rows, n)...)) << (size - k) & allTopBits
+                                       : topBits(test(load<u8s>(rows + n - size)...));
+        rest = rest << k | last >> (size - k);
+    }
     return total + populationCount(rest);
 }
 
@@ -66,7 +69,7 @@ template <class Test, class... Rows> inline uint64_t countBySums(ptrdiff_t n, Te
             }
         },
         rows...);
-    // The last register had zeros behind the row's end, which may have been counted.
+    // The last register had zeros beside the row's bytes, which may have been counted.
     const bool areZerosCounted = topBits(test(splat8(0))) & 1;
     return sum(total) - (areZerosCounted ? (uint64_t)-n % u8s::lanes : 0);
 }

@@ -41,7 +41,7 @@ double MemMeanOp3(const uint8_t *src, int32_t lower, int32_t upper, uint64_t cou
                        }
                    },
                    src);
-    // The zeros behind the row's end add to the number, if to anything.
+    // The zeros beside the last bytes add to the number, if to anything.
     const bool areZerosInside = topBits(range.contains(splat8(0))) & 1;
     const uint64_t number = sum(inside) - (areZerosInside ? (uint64_t)-count % u8s::lanes : 0);
     const uint64_t total = sum((sums[0] + sums[1]) + (sums[2] + sums[3]));
