@@ -241,6 +241,9 @@ inline Magnitudes<i32s> magnitude(i32s x) { return {_mm256_abs_epi32(x.v)}; }
 inline Magnitudes<i16s> larger(Magnitudes<i16s> a, Magnitudes<i16s> b) { return {_mm256_max_epu16(a.v, b.v)}; }
 inline Magnitudes<i32s> larger(Magnitudes<i32s> a, Magnitudes<i32s> b) { return {_mm256_max_epu32(a.v, b.v)}; }
 
+// |a| for a above -32768.
+inline i16s absolute(i16s a) { return {_mm256_abs_epi16(a.v)}; }
+
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm256_cmpeq_epi8(a.v, b.v)}; }
 inline u16s equal(u16s a, u16s b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }

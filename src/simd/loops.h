@@ -352,4 +352,48 @@ __attribute__((always_inline)) inline auto largestOf(ptrdiff_t n, Term term, Sou
     return largest(joinWhole<8>(n, last, term, join, source));
 }
 
+// How many sums a step of overBytes may keep side by side, to hide the latency of its additions.
+constexpr int accumulators = 4;
+
+// A register of zeros and one of ones; the one that begins k bytes in has ones in its last k lanes.
+struct ZerosThenOnes {
+    uint8_t bytes[2 * u8s::lanes] = {};
+
+    constexpr ZerosThenOnes()
+    {
+        for (int i = u8s::lanes; i < 2 * u8s::lanes; ++i)
+            bytes[i] = 0xFF;
+    }
+};
+constexpr ZerosThenOnes zerosThenOnes;
+
+// Goes over n bytes of every row: step(j, vectors...) takes a register of each and adds to its sum j. The last bytes
+// come with zeros on one side. gather() empties the sums, at the end and before any of them has seen more than `most`
+// registers.
+template <ptrdiff_t most, class Step, class Gather, class... Rows>
+inline void overBytes(ptrdiff_t n, Step step, Gather gather, const Rows *...rows)
+{
+    constexpr ptrdiff_t size = u8s::lanes;
+    constexpr ptrdiff_t turn = accumulators * size;
+    constexpr ptrdiff_t run = (most - accumulators) * turn; // sum 0 also takes what is left of a last run
+    for (ptrdiff_t i = 0; i < n;) {
+        const ptrdiff_t end = n - i < run ? n : i + run;
+        for (; i <= end - turn; i += turn) {
+#pragma GCC unroll 4
+            for (int j = 0; j < accumulators; ++j)
+                step(j, load<u8s>(rows + i + j * size)...);
+        }
+        for (; i <= end - size; i += size)
+            step(0, load<u8s>(rows + i)...);
+        if (i < end) {
+            if (n < size)
+                step(0, loadFirst<u8s>(rows, n)...);
+            else
+                step(0, (load<u8s>(rows + n - size) & load<u8s>(zerosThenOnes.bytes + (n - i)))...);
+            i = end;
+        }
+        gather();
+    }
+}
+
 } // namespace

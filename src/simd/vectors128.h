@@ -218,6 +218,9 @@ inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
 inline i32s larger(i32s a, i32s b) { return select(greater(a, b), a, b); }
 inline i32s smaller(i32s a, i32s b) { return select(greater(b, a), a, b); }
 
+// |a| for a above -32768. (The subtraction saturates, as compilers expand a plain one into the terms of a.)
+inline i16s absolute(i16s a) { return larger(a, subtractLimited(zero<i16s>(), a)); }
+
 inline Magnitudes<i16s> magnitude(i16s x) { return {smaller(x, i16s{_mm_setzero_si128()} - x)}; }
 inline Magnitudes<i32s> magnitude(i32s x)
 {
@@ -228,7 +231,6 @@ template <class Vector> inline Magnitudes<Vector> larger(Magnitudes<Vector> a, M
 {
     return {smaller(a.negative, b.negative)};
 }
-
 
 // The top bit of every byte, that of lane 0 lowest.
 inline uint32_t topBits(u8s x) { return (uint32_t)_mm_movemask_epi8(x.v); }
