@@ -90,10 +90,7 @@ template <class Vector> inline Vector load(const void *from)
 }
 template <class Vector> inline void store(void *to, Vector x) { _mm_storeu_si128((__m128i *)to, bitsOf(x.v)); }
 // Past the caches, to an aligned address; a fence must follow the last one.
-template <class Vector> inline void storeStreaming(void *to, Vector x)
-{
-    _mm_stream_si128((__m128i *)to, bitsOf(x.v));
-}
+template <class Vector> inline void storeStreaming(void *to, Vector x) { _mm_stream_si128((__m128i *)to, bitsOf(x.v)); }
 
 // A run of n bytes, fewer than a register holds, as its first and its last bytes: see ends.h.
 template <class Vector> inline Vector loadEnds(const void *from, ptrdiff_t n)

@@ -184,7 +184,8 @@ void MemFillTopByte32(uint32_t *dst, uint8_t value, int32_t count)
 {
     const u32s top = splat32((uint32_t)value << 24);
     const u32s kept = splat32(0x00FFFFFF);
-    map<u32s>(dst, count, [=](u32s x) { return (x & kept) | top; }, dst);
+    map<u32s>(
+        dst, count, [=](u32s x) { return (x & kept) | top; }, dst);
 }
 
 } // namespace

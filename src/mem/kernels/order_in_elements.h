@@ -7,28 +7,33 @@ namespace {
 
 void MemSwapBytes16(uint16_t *dst, const uint16_t *src, uint64_t count)
 {
-    map<u16s>(dst, (ptrdiff_t)count, [](u16s x) { return swapBytes(x); }, src);
+    map<u16s>(
+        dst, (ptrdiff_t)count, [](u16s x) { return swapBytes(x); }, src);
 }
 
 void MemSwapBytes32(uint32_t *dst, const uint32_t *src, int32_t count)
 {
-    map<u32s>(dst, count, [](u32s x) { return as<u32s>(swapBytes(as<u16s>(swapHalves(x)))); }, src);
+    map<u32s>(
+        dst, count, [](u32s x) { return as<u32s>(swapBytes(as<u16s>(swapHalves(x)))); }, src);
 }
 
 void MemSwapHalves32(uint32_t *dst, const uint32_t *src, uint64_t count)
 {
-    map<u32s>(dst, (ptrdiff_t)count, [](u32s x) { return swapHalves(x); }, src);
+    map<u32s>(
+        dst, (ptrdiff_t)count, [](u32s x) { return swapHalves(x); }, src);
 }
 
 // Groups of 4.
 void MemShuffle16A(uint16_t *data, uint64_t count)
 {
-    map<u16s>(data, (ptrdiff_t)(count & ~(uint64_t)3), [](u16s x) { return orderFours<2, 1, 0, 3>(x); }, data);
+    map<u16s>(
+        data, (ptrdiff_t)(count & ~(uint64_t)3), [](u16s x) { return orderFours<2, 1, 0, 3>(x); }, data);
 }
 
 void MemShuffle32A(uint32_t *data, uint64_t count)
 {
-    map<u32s>(data, (ptrdiff_t)(count & ~(uint64_t)3), [](u32s x) { return orderFours<2, 1, 0, 3>(x); }, data);
+    map<u32s>(
+        data, (ptrdiff_t)(count & ~(uint64_t)3), [](u32s x) { return orderFours<2, 1, 0, 3>(x); }, data);
 }
 
 // Groups of 6, as groups A B C of three units of 4 or 8 bytes, of which B and C change places. A block of 48 bytes in

@@ -17,10 +17,7 @@ template <int unit> inline uint32_t reversedWord(uint32_t x)
 {
     return unit == 1 ? __builtin_bswap32(x) : unit == 2 ? x << 16 | x >> 16 : x;
 }
-template <int unit> inline uint16_t reversedWord(uint16_t x)
-{
-    return unit == 1 ? __builtin_bswap16(x) : x;
-}
+template <int unit> inline uint16_t reversedWord(uint16_t x) { return unit == 1 ? __builtin_bswap16(x) : x; }
 
 // n bytes, one word to two: the first of the source become the last of the destination. Both are read before either is
 // written, so dst may be src; so it is with all that follows.

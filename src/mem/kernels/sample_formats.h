@@ -5,14 +5,14 @@
 namespace {
 
 // A block of samples, whatever their format: four registers of 32-bit lanes, or of pairs of 64-bit ones.
-template <class Vector> struct Block {
+template <class Vector> struct SampleBlock {
     Vector a, b, c, d;
 };
 constexpr int blockSamples = 4 * i32s::lanes;
 
-template <class Vector, class Step> inline auto each(Block<Vector> x, Step step)
+template <class Vector, class Step> inline auto each(SampleBlock<Vector> x, Step step)
 {
-    return Block<decltype(step(x.a))>{step(x.a), step(x.b), step(x.c), step(x.d)};
+    return SampleBlock<decltype(step(x.a))>{step(x.a), step(x.b), step(x.c), step(x.d)};
 }
 
 // The words in the upper halves of 32-bit lanes, zeros below.
@@ -26,27 +26,30 @@ struct S8 {
     static constexpr int unit = 1;
 
     static i32s read(const uint8_t *from) { return loadTop8(from); }
-    static Block<i32s> readBlock(const uint8_t *from)
+    static SampleBlock<i32s> readBlock(const uint8_t *from)
     {
         const u8s x = load<u8s>(from);
         const u16s low = as<u16s>(interleaveLow(zero<u8s>(), x));
         const u16s high = as<u16s>(interleaveHigh(zero<u8s>(), x));
         return {topLow(low), topHigh(low), topLow(high), topHigh(high)};
     }
-    static void writeBlock(uint8_t *to, Block<i32s> x) { store(to, narrowSigned(narrow(x.a, x.b), narrow(x.c, x.d))); }
+    static void writeBlock(uint8_t *to, SampleBlock<i32s> x)
+    {
+        store(to, narrowSigned(narrow(x.a, x.b), narrow(x.c, x.d)));
+    }
 };
 
 struct S16 {
     static constexpr int unit = 2;
 
     static i32s read(const uint8_t *from) { return loadTop16(from); }
-    static Block<i32s> readBlock(const uint8_t *from)
+    static SampleBlock<i32s> readBlock(const uint8_t *from)
     {
         const u16s low = load<u16s>(from);
         const u16s high = load<u16s>(from + sizeof(u16s));
         return {topLow(low), topHigh(low), topLow(high), topHigh(high)};
     }
-    static void writeBlock(uint8_t *to, Block<i32s> x)
+    static void writeBlock(uint8_t *to, SampleBlock<i32s> x)
     {
         store(to, narrow(x.a, x.b));
         store(to + sizeof(i16s), narrow(x.c, x.d));
@@ -58,7 +61,7 @@ struct S24 {
 
     static i32s read(const uint8_t *from) { return loadTop24(from); }
     // The low three bytes, not limited.
-    static void writeBlock(uint8_t *to, Block<i32s> x)
+    static void writeBlock(uint8_t *to, SampleBlock<i32s> x)
     {
         storePixels24(to, as<u32s>(x.a), as<u32s>(x.b), as<u32s>(x.c), as<u32s>(x.d));
     }
@@ -69,14 +72,14 @@ struct U8 {
     static constexpr int unit = 1;
 
     static i32s read(const uint8_t *from) { return loadAsWide(from); }
-    static Block<i32s> readBlock(const uint8_t *from)
+    static SampleBlock<i32s> readBlock(const uint8_t *from)
     {
         const u8s x = load<u8s>(from);
         const u16s low = widenLow(x);
         const u16s high = widenHigh(x);
         return {as<i32s>(widenLow(low)), as<i32s>(widenHigh(low)), as<i32s>(widenLow(high)), as<i32s>(widenHigh(high))};
     }
-    static void writeBlock(uint8_t *to, Block<i32s> x) { store(to, narrow(narrow(x.a, x.b), narrow(x.c, x.d))); }
+    static void writeBlock(uint8_t *to, SampleBlock<i32s> x) { store(to, narrow(narrow(x.a, x.b), narrow(x.c, x.d))); }
 };
 
 struct S32 {
@@ -111,8 +114,8 @@ template <class Format> inline auto readBlock(const uint8_t *from)
     if constexpr (Format::unit < 3) {
         return Format::readBlock(from);
     } else {
-        return Block<decltype(Format::read(from))>{Format::read(from), Format::read(from + step),
-                                                   Format::read(from + 2 * step), Format::read(from + 3 * step)};
+        return SampleBlock<decltype(Format::read(from))>{Format::read(from), Format::read(from + step),
+                                                         Format::read(from + 2 * step), Format::read(from + 3 * step)};
     }
 }
 

@@ -60,7 +60,8 @@ template <class Wide, bool upper, class Narrow> inline Pair<Wide> widenInto(Narr
 
 // kept: the bits of the wide elements that stay. As in map, the last block is read before the one ahead of it is
 // written.
-template <class Narrow, bool upper, class Wide> inline void insert(void *dst, const void *src, uint64_t count, Wide kept)
+template <class Narrow, bool upper, class Wide>
+inline void insert(void *dst, const void *src, uint64_t count, Wide kept)
 {
     constexpr ptrdiff_t size = sizeof(Narrow);
     const ptrdiff_t n = (ptrdiff_t)count * (size / Narrow::lanes); // bytes of the source
