@@ -419,7 +419,8 @@ inline Pair<f64s> toDouble(i32s x)
 // As many as fit a vector of the wider type, read from memory and no more.
 inline f64s loadAsDoubles(const float *from) { return {_mm256_cvtps_pd(_mm_loadu_ps(from))}; }
 inline i32s loadAsWide(const int16_t *from) { return {_mm256_cvtepi16_epi32(_mm_loadu_si128((const __m128i *)from))}; }
-// Rounded to nearest.
+// Rounded to nearest, as are those that go to memory as floats.
+inline void storeAsFloats(float *to, f64s x) { _mm_storeu_ps(to, _mm256_cvtpd_ps(x.v)); }
 inline f32s toFloat(f64s low, f64s high)
 {
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(low.v)), _mm256_cvtpd_ps(high.v), 1)};

@@ -336,7 +336,8 @@ inline i32s loadAsWide(const int16_t *from)
     const __m128i four = _mm_loadl_epi64((const __m128i *)from);
     return {_mm_srai_epi32(_mm_unpacklo_epi16(four, four), 16)};
 }
-// Rounded to nearest.
+// Rounded to nearest, as are those that go to memory as floats.
+inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
 
 // --- Across lanes --------------------------------------------------------------------------------------------
