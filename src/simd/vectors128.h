@@ -391,7 +391,8 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
 }
-// Rounded to nearest.
+// Rounded to nearest, as are those that go to memory as floats.
+inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
 
 // --- Across lanes --------------------------------------------------------------------------------------------
