@@ -247,7 +247,8 @@ private:
     void convert(ptrdiff_t first, ptrdiff_t n)
     {
         for (ptrdiff_t k = 0; k < n; ++k)
-            factors_[k] = splatI16(toFixed<weightBits>((double)weights_[first + k]));
+            factors_[k] =
+                splatI16(toFixed<weightBits>((double)loadPiece<float>((const uint8_t *)(weights_ + first + k))));
     }
 
     const uint8_t *const *src_;
