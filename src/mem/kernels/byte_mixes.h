@@ -7,17 +7,6 @@
 
 namespace {
 
-// A parameter in fixed point, to nearest, ties to even. A NaN fails the first comparison.
-template <int fractionBits> inline int16_t toFixed(double x)
-{
-    double t = x * (1 << fractionBits);
-    t = t > -32767 ? t : -32767;
-    t = t < 32767 ? t : 32767;
-    return (int16_t)_mm_cvtsd_si32(_mm_set_sd(t));
-}
-
-constexpr int weightBits = 14;
-constexpr int gainBits = 12;
 // Fraction bits of a product with a weight or a gain.
 constexpr int ofWeights = 5;
 constexpr int ofGains = 3;
