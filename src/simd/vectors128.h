@@ -269,7 +269,11 @@ inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
 
 // The lanes in reverse order.
 inline u32s reversed(u32s x) { return orderFours<3, 2, 1, 0>(x); }
-inline u16s reversed(u16s x) { return {_mm_shuffle_epi32(orderFours<3, 2, 1, 0>(x).v, _MM_SHUFFLE(1, 0, 3, 2))}; }
+inline u16s reversed(u16s x)
+{
+    const u16s halves = orderFours<3, 2, 1, 0>(x);
+    return {_mm_shuffle_epi32(halves.v, _MM_SHUFFLE(1, 0, 3, 2))};
+}
 inline u8s reversed(u8s x) { return as<u8s>(swapBytes(reversed(as<u16s>(x)))); }
 
 // The even and the odd lanes of a followed by b.
