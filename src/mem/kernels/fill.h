@@ -188,8 +188,11 @@ void MemFillTopByte32(uint32_t *dst, uint8_t value, int32_t count)
 {
     const u32s top = splat32((uint32_t)value << 24);
     const u32s kept = splat32(0x00FFFFFF);
+    const int whole = count > 0 ? count - count % u32s::lanes : 0;
     map<u32s>(
-        dst, count, [=](u32s x) { return (x & kept) | top; }, dst);
+        dst, whole, [=](u32s x) { return (x & kept) | top; }, dst);
+    for (ptrdiff_t i = whole; i < count; ++i)
+        ((uint8_t *)dst)[4 * i + 3] = value;
 }
 
 } // namespace
