@@ -160,6 +160,7 @@ struct KernelCase {
     std::vector<Argument> arguments;
     std::vector<std::size_t> inPlace; // sources that the first argument, the destination, may be identical to
     bool asksForPopcnt = false;
+    bool timedOnEqualRows = false;
     std::string variant;
 
     KernelCase &mayEqual(std::initializer_list<std::size_t> sources)
@@ -171,6 +172,12 @@ struct KernelCase {
     KernelCase &readsPopcnt()
     {
         asksForPopcnt = true;
+        return *this;
+    }
+    // The kernel is done where its sources differ: the bench gives it equal ones.
+    KernelCase &endsAtDifference()
+    {
+        timedOnEqualRows = true;
         return *this;
     }
     // Tells the further cases of one slot apart, whose extents hold for other parameters.
