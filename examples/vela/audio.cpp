@@ -254,9 +254,8 @@ void runAudio(const AudioOptions &options, Session &session)
 
 std::vector<std::string> formatNames()
 {
-    std::vector<std::string> names;
-    for (const SampleFormat &format : sampleFormats)
-        names.emplace_back(format.name);
+    std::vector<std::string> names(sampleFormats.size());
+    std::ranges::transform(sampleFormats, names.begin(), &SampleFormat::name);
     return names;
 }
 
