@@ -119,8 +119,8 @@ private:
         std::uint8_t *start = row.data() + argument.before + (alignment - address % alignment) % alignment;
         switch (case_.parameters[i].element) {
         case Element::integer:
-            for (std::uint8_t &byte : row)
-                byte = static_cast<std::uint8_t>(random());
+            for (std::uint8_t *byte = start - argument.before; byte != row.data() + row.size(); ++byte)
+                *byte = static_cast<std::uint8_t>(random());
             break;
         case Element::float32:
             fillWithAudio<float>(start - argument.before, argument.before + bytes + argument.after, random);
