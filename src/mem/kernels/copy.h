@@ -83,8 +83,9 @@ inline void moveFew(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
         *dst = *src;
 }
 
-// More than eight registers, dst below src or apart from it.
-inline void moveUpwards(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
+// More than eight registers, dst below src or apart from it. Only rows apart may be streamed, or the stores throw out
+// of the cache what is read next.
+template <bool streaming> inline void moveUpwards(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
 {
     const Block<1> first = loadBlock<1>(src);
     const Block<4> last = loadBlock<4>(src + n - last.size);
@@ -93,31 +94,18 @@ inline void moveUpwards(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
     uint8_t *to = dst + skip;
     const uint8_t *from = src + skip;
     do {
-        loadBlock<4>(from).storeTo(to);
+        if constexpr (streaming) {
+            for (ptrdiff_t line = 0; line < last.size; line += 64)
+                _mm_prefetch((const char *)(from + 512 + line), _MM_HINT_T0);
+            loadBlock<4>(from).streamTo(to);
+        } else {
+            loadBlock<4>(from).storeTo(to);
+        }
         from += last.size;
         to += last.size;
     } while (to < lastTo);
-    last.storeTo(lastTo);
-    first.storeTo(dst);
-}
-
-// The same with streaming stores; dst and src must lie apart, or the stores throw out of the cache what is read next.
-inline void moveStreaming(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
-{
-    const Block<1> first = loadBlock<1>(src);
-    const Block<4> last = loadBlock<4>(src + n - last.size);
-    uint8_t *const lastTo = dst + n - last.size;
-    const ptrdiff_t skip = toAligned(dst);
-    uint8_t *to = dst + skip;
-    const uint8_t *from = src + skip;
-    do {
-        for (ptrdiff_t line = 0; line < last.size; line += 64)
-            _mm_prefetch((const char *)(from + 512 + line), _MM_HINT_T0);
-        loadBlock<4>(from).streamTo(to);
-        from += last.size;
-        to += last.size;
-    } while (to < lastTo);
-    _mm_sfence();
+    if constexpr (streaming)
+        _mm_sfence();
     last.storeTo(lastTo);
     first.storeTo(dst);
 }
@@ -156,9 +144,9 @@ inline void moveBytes(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
     else if ((uintptr_t)dst - (uintptr_t)src < (uintptr_t)n)
         moveDownwards(dst, src, n);
     else if (n < streamedTraffic / 2 || (uintptr_t)src - (uintptr_t)dst < (uintptr_t)n)
-        moveUpwards(dst, src, n);
+        moveUpwards<false>(dst, src, n);
     else
-        moveStreaming(dst, src, n);
+        moveUpwards<true>(dst, src, n);
 }
 
 void MemCopy(void *dst, const void *src, uint64_t bytes)
