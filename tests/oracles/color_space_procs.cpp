@@ -96,6 +96,8 @@ void PackPlanar16ToUyvy8(uint8_t *dst, const uint16_t *srcY, const uint16_t *src
     }
 }
 
+void CscNoOp() {}
+
 } // namespace
 
 #define VELA_SUBTABLE_LIST "vela/slots/color_space_procs.def"
