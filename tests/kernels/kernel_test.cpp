@@ -169,9 +169,7 @@ TEST(SlotLists, EveryKernelHasAnAddressOfItsOwn)
                 const VcbKernel kernel = kernelAt(tier.table, static_cast<std::size_t>(info.number));
                 if (!kernel)
                     continue;
-                // MemMove is MemCopy's kernel of the base tier, by its contract.
-                const bool isMove = std::strcmp(info.kernel, "MemMove") == 0;
-                const std::string owner = table.label + " " + (isMove ? "MemCopy" : info.kernel) + " on " + tier.name;
+                const std::string owner = table.label + " " + info.kernel + " on " + tier.name;
                 EXPECT_EQ(owners.emplace(kernel, owner).first->second, owner) << info.name << " shares its address";
                 EXPECT_EQ(addresses.emplace(owner, kernel).first->second, kernel) << info.name << " does not share";
             }
