@@ -113,8 +113,8 @@ public:
     }
 
     // Destination rows, source rows, width, what the step takes, alpha. A pointer that is returned is the end of the
-    // first destination row.
-    template <class Result, class... Arguments> static Result VCB_CALL run(Arguments... arguments)
+    // first destination row. Flattened, so that the compiler sees each conversion whole, in however large a file.
+    template <class Result, class... Arguments> [[gnu::flatten]] static Result VCB_CALL run(Arguments... arguments)
     {
         const auto all = std::tuple(arguments...);
         return convert<Result>(all, std::make_index_sequence<pointers<Dst>()>(),
