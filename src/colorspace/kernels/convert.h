@@ -1,4 +1,4 @@
-// Reader, step and writer as a kernel.
+// Reader, step and writer for a block of pixels.
 #pragma once
 
 #include "colorspace/kernels/steps.h"
@@ -110,29 +110,5 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
         }
     }
 };
-
-// A kernel's arguments: the rows of the target, those of the source, the width, what the step asks for.
-template <class Target, class Source, class Step, class Width, class... Arguments> struct Kernel;
-
-template <class Target, class Source, class Step, class Width, class... To, class... From, class... Given>
-struct Kernel<Target, Source, Step, Width, List<To...>, List<From...>, List<Given...>> {
-    static void convert(To... to, From... from, Width width, Given... given)
-    {
-        uint8_t *const targets[] = {(uint8_t *)to...};
-        const uint8_t *const sources[] = {(const uint8_t *)from...};
-        ptrdiff_t pixels = (ptrdiff_t)width;
-        if constexpr (Target::pairsOnly || Source::pairsOnly)
-            pixels &= ~(ptrdiff_t)1;
-        convertRows<Conversion<Target, Source, Step>>(targets, sources, pixels, Step(given...));
-    }
-};
-
-template <class Target, class Source, class Step, class Width>
-using KernelOf = Kernel<Target, Source, Step, Width, typename Conversion<Target, Source, Step>::Targets::Types,
-                        typename Conversion<Target, Source, Step>::Sources::ConstTypes, typename Step::Arguments>;
-
-// The kernel that reads Source, takes the step and writes Target.
-template <class Target, class Source, template <class, class> class Step, class Width = int32_t>
-constexpr auto kernel = &KernelOf<Target, Source, Step<Target, Source>, Width>::convert;
 
 } // namespace

@@ -103,19 +103,21 @@ template <> struct Memory<float> {
 // none.
 struct WholePixels {
     static constexpr bool subsampled = false;
-    static constexpr bool pairsOnly = false;  // rows hold whole pixel pairs
-    static constexpr bool inBytes = false;    // has blocks of bytes
-    static constexpr int chunk = 0;           // see chunks.h
+    static constexpr bool pairsOnly = false; // rows hold whole pixel pairs
+    static constexpr bool inBytes = false;   // has blocks of bytes
 };
+
+// Pixels that a move takes as they are: words of 32 bits, four registers to a block.
+using PixelWords = Fours<u32s>;
 
 // Bytes c0 c1 c2 and alpha at these places of pixels of 3 or 4 bytes; alphaAt -1: none.
 template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels : WholePixels {
     using Elements = List<uint8_t>;
     static constexpr RowShape rows[] = {{bytes}};
     static constexpr int depths[] = {8, 8, 8, alphaAt < 0 ? 0 : 8};
-    static constexpr int size = bytes;
     static constexpr int at[] = {at0, at1, at2, alphaAt};
 
+    static constexpr bool isWords = true;
     // The words of `part` of the block, a register's worth.
     VELA_FUSED static u32s loadWords(const uint8_t *row, int part)
     {
@@ -146,6 +148,18 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
         } else {
             storePixels24(line[0], words.low);
             storePixels24(line[0] + 3 * u32s::lanes, words.high);
+        }
+    }
+
+    VELA_FUSED static void store(Line line, PixelWords x)
+    {
+        if constexpr (bytes == 4) {
+            ::store(line[0], x.a);
+            ::store(line[0] + sizeof(u32s), x.b);
+            ::store(line[0] + 2 * sizeof(u32s), x.c);
+            ::store(line[0] + 3 * sizeof(u32s), x.d);
+        } else {
+            storePixels24(line[0], x.a, x.b, x.c, x.d);
         }
     }
 
@@ -210,6 +224,13 @@ struct FieldPixels32 : WholePixels {
         if constexpr (isBig)
             words = orderBytes<3, 2, 1, 0>(words);
         ::store(row + part * (int)sizeof(u32s), words);
+    }
+    VELA_FUSED static void store(Line line, PixelWords x)
+    {
+        storeWords(line[0], 0, x.a);
+        storeWords(line[0], 1, x.b);
+        storeWords(line[0], 2, x.c);
+        storeWords(line[0], 3, x.d);
     }
 
     template <int low> VELA_FUSED static u16s get(u32s first, u32s second)
@@ -288,10 +309,10 @@ template <int words, int at0, int at1, int at2, int alphaAt, int bits = 16> stru
 };
 
 // Four floats a pixel, R G B A.
-template <bool hasAlpha = true> struct FloatPixels : WholePixels {
+struct FloatPixels : WholePixels {
     using Elements = List<float>;
     static constexpr RowShape rows[] = {{16}};
-    static constexpr int depths[] = {32, 32, 32, hasAlpha ? 32 : 0};
+    static constexpr int depths[] = {32, 32, 32, 32};
 
     VELA_FUSED static Fours<f32s> loadPart(const uint8_t *row)
     {
@@ -353,7 +374,7 @@ template <class Element, int bits, int plane0 = 0, int plane1 = 1, int plane2 = 
 template <class Element, int bits> struct Single : WholePixels {
     using Elements = List<Element>;
     static constexpr RowShape rows[] = {{sizeof(Element)}};
-    static constexpr int depths[] = {bits, 0, 0, 0};
+    static constexpr int depths[] = {bits, bits, bits, 0};
 
     template <class Samples> VELA_FUSED static auto load(ConstLine line)
     {
@@ -396,7 +417,6 @@ template <class Element, int bits> struct SubsampledYuv {
     static constexpr bool pairsOnly = false;
     static constexpr bool inBytes = sizeof(Element) == 1;
     static constexpr bool packed = false; // luma and chroma in one plane
-    static constexpr int chunk = 0;
     static constexpr int depths[] = {bits, bits, bits, 0};
 };
 
@@ -499,14 +519,44 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     }
 };
 
+// Only the luma of 4:2:2: chroma is dropped, or that of grey.
+template <class Element, int bits> struct LumaOf422 : SubsampledYuv<Element, bits> {
+    using Elements = List<Element>;
+    static constexpr RowShape rows[] = {{sizeof(Element)}};
+
+    template <class Samples> VELA_FUSED static Samples loadLuma(ConstLine line)
+    {
+        return Memory<Element>::template load<Samples>(line[0]);
+    }
+    template <class Samples> VELA_FUSED static Samples loadPairs(ConstLine, int)
+    {
+        static_assert(bits == 8 && Samples::lanes == u8s::lanes);
+        return splat8(128);
+    }
+    template <class Samples> VELA_FUSED static void storeLuma(Line line, Samples y)
+    {
+        Memory<Element>::store(line[0], y);
+    }
+    template <class Samples> VELA_FUSED static void storePairs(Line, Samples) {}
+};
+
+// --- As arguments --------------------------------------------------------------------------------------------
+
+// A layout whose rows a kernel takes by other pointers.
+template <class Layout, class Element> struct Typed : Layout {
+    using Elements = List<Element>;
+};
+template <class Layout> using Coded = Typed<Layout, void>;
+
 // --- The catalogue's names -----------------------------------------------------------------------------------
-// ...x: a layout whose alpha is not looked at.
 
 using Bgra32 = BytePixels<4, 2, 1, 0, 3>;
 using Rgba32 = BytePixels<4, 0, 1, 2, 3>;
 using Argb32 = BytePixels<4, 1, 2, 3, 0>;
 using Abgr32 = BytePixels<4, 3, 2, 1, 0>;
-using Bgrx32 = BytePixels<4, 2, 1, 0, -1>;
+using Rgb32 = Bgra32;
+using Word32 = Typed<Rgba32, uint32_t>;
+using WordSwapped32 = Typed<Abgr32, uint32_t>;
 using Bgr24 = BytePixels<3, 2, 1, 0, -1>;
 using Rgb24 = BytePixels<3, 0, 1, 2, -1>;
 using Yuva32 = BytePixels<4, 0, 1, 2, 3>;
@@ -524,10 +574,8 @@ using Dpx3B = FieldPixels32<20, 10, 0, false, ByteOrder::big>;
 
 using Rgb48 = WordPixels<3, 0, 1, 2, -1>;
 using Rgba64 = WordPixels<4, 0, 1, 2, 3>;
-using Rgbx64 = WordPixels<4, 0, 1, 2, -1>;
 using Y416 = WordPixels<4, 1, 0, 2, 3>;
-using F32x4 = FloatPixels<>;
-using F32x3x = FloatPixels<false>;
+using F32x4 = FloatPixels;
 
 using Gbr8 = Planes<uint8_t, 8, 2, 0, 1>;
 using Gbr16 = Planes<uint16_t, 16, 2, 0, 1>;
@@ -537,6 +585,7 @@ using I410 = Planes<uint16_t, 10>;
 using I416 = Planes<uint16_t, 16>;
 using Nv24 = LumaAndPairs<uint8_t, 8>;
 
+using Luma8 = LumaOf422<uint8_t, 8>;
 using Plane8 = Single<uint8_t, 8>;
 using Plane10 = Single<uint16_t, 10>;
 using Plane16 = Single<uint16_t, 16>;

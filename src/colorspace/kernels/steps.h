@@ -25,18 +25,23 @@ template <class Target, class Source> constexpr AlphaFrom alphaFrom()
     return to == 8 || to == 16 ? AlphaFrom::argument : AlphaFrom::opaque;
 }
 
+// What a target without alpha gets.
+struct Anything {
+    template <class Samples> VELA_FUSED operator Samples() const { return Samples(); }
+};
+
 template <class Target, class Source, AlphaFrom from = alphaFrom<Target, Source>()> struct Alpha {
     static constexpr int depth = Target::depths[3];
     using Arguments = List<>;
 
-    template <class Samples> VELA_FUSED Sample<depth> operator()(Samples carried) const
+    template <class Samples> VELA_FUSED auto operator()(Samples carried) const
     {
         if constexpr (from == AlphaFrom::source)
             return fullDepth<Source::depths[3], depth>(carried);
         else if constexpr (from == AlphaFrom::nowhere)
-            return {};
+            return Anything();
         else if constexpr (depth == 32)
-            return {splatF32(1), splatF32(1)};
+            return Floats{splatF32(1), splatF32(1)};
         else
             return splat16((uint16_t)largestCode(depth));
     }
@@ -98,10 +103,86 @@ template <class Target, class Source> struct Full {
     VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
     template <class Codes> VELA_FUSED Pixels<Sample<Target::depths[0]>> operator()(Pixels<Codes> x) const
     {
-        if constexpr (Target::depths[1] == 0)
-            return {{depth<0>(x.c[0])}, {}};
+        return {{depth<0>(x.c[0]), depth<1>(x.c[1]), depth<2>(x.c[2])}, alpha(x.a)};
+    }
+};
+
+// Floats limited to 0..1, alpha too.
+template <class Target, class Source> struct Clamp {
+    using Samples = u16s;
+    using Arguments = List<>;
+
+    VELA_FUSED static Pixels<Floats> load(ConstLine line) { return Source::template load<u16s>(line); }
+    VELA_FUSED Pixels<Floats> operator()(Pixels<Floats> x) const
+    {
+        return {{clampToUnit(x.c[0]), clampToUnit(x.c[1]), clampToUnit(x.c[2])}, clampToUnit(x.a)};
+    }
+};
+
+// Pixels in words of 32 bits to another order of their bytes or fields.
+template <class Target, class Source> struct Move {
+    using Samples = u8s; // four registers of words
+    using Arguments = typename Alpha<Target, Source>::Arguments;
+
+    u32s alpha;
+
+    Move() : alpha(splat32(Target::depths[3] == 2 ? 0xC0000000 : 0)) {}
+    explicit Move(uint8_t value) : alpha(splat32((uint32_t)value << 8 * Target::at[3])) {}
+
+    VELA_FUSED static PixelWords load(ConstLine line)
+    {
+        return {Source::loadWords(line[0], 0), Source::loadWords(line[0], 1), Source::loadWords(line[0], 2),
+                Source::loadWords(line[0], 3)};
+    }
+    VELA_FUSED PixelWords operator()(PixelWords x) const { return {moved(x.a), moved(x.b), moved(x.c), moved(x.d)}; }
+
+private:
+    static constexpr bool addsAlpha = Target::depths[3] != 0 && Source::depths[3] == 0;
+    static constexpr bool isBytes = Target::depths[0] == 8;
+
+    // The byte of the source that goes to place `to`; the bytes that belong to no component are anything, or 0 where
+    // alpha is added.
+    static constexpr int byteFor(int to)
+    {
+        for (int i = 0; i < 4; ++i)
+            if (Target::at[i] == to)
+                return Source::at[i] < 0 ? 3 : Source::at[i];
+        return to;
+    }
+    // The bits of the fields that move as far as component i does, at their new places; none if one before i does.
+    static constexpr int distance(int i) { return Target::at[i] - Source::at[i]; }
+    static constexpr bool moves(int i) { return Target::at[i] >= 0 && Source::at[i] >= 0; }
+    static constexpr uint32_t fieldsAlong(int i)
+    {
+        uint32_t mask = 0;
+        for (int k = 0; k < 4; ++k) {
+            if (!moves(i) || !moves(k) || distance(k) != distance(i))
+                continue;
+            if (k < i)
+                return 0;
+            mask |= (k == 3 ? 3u : 0x3FFu) << Target::at[k];
+        }
+        return mask;
+    }
+    template <int i> VELA_FUSED static u32s fields(u32s x)
+    {
+        if constexpr (fieldsAlong(i) == 0)
+            return zero<u32s>();
+        else if constexpr (distance(i) < 0)
+            return shiftRight<-distance(i)>(x) & splat32(fieldsAlong(i));
         else
-            return {{depth<0>(x.c[0]), depth<1>(x.c[1]), depth<2>(x.c[2])}, alpha(x.a)};
+            return shiftLeft<distance(i)>(x) & splat32(fieldsAlong(i));
+    }
+    VELA_FUSED u32s moved(u32s x) const
+    {
+        u32s y;
+        if constexpr (isBytes)
+            y = orderBytes<byteFor(0), byteFor(1), byteFor(2), byteFor(3)>(x);
+        else
+            y = fields<0>(x) | fields<1>(x) | fields<2>(x) | fields<3>(x);
+        if constexpr (addsAlpha)
+            y = y | alpha;
+        return y;
     }
 };
 
@@ -354,7 +435,13 @@ template <class Target, class Source> struct FloatToYuv {
         }
         return {rows.operator()<row>(low), rows.operator()<row>(high)};
     }
-    VELA_FUSED u16s luma(const Form &x) const { return toCodes<to>(component<0>(x)); }
+    VELA_FUSED Sample<to> luma(const Form &x) const
+    {
+        if constexpr (to == 32)
+            return component<0>(x); // as it is: no limits
+        else
+            return toCodes<to>(component<0>(x));
+    }
     VELA_FUSED Pixels<u16s> operator()(const Form &x) const
     {
         return {{toCodes<to>(component<0>(x)), toCodes<to>(component<1>(x)), toCodes<to>(component<2>(x))}, alpha(x.a)};
@@ -423,6 +510,18 @@ template <class Target, class Source> struct YuvToRgb : ToRgb<Target, Source> {
 };
 template <class Target, class Source> struct RgbToYuv : ToYuv<Target, Source> {
     using ToYuv<Target, Source>::ToYuv;
+};
+
+// Grey is luma of full range.
+template <class Target, class Source> struct RgbToGrey : ToYuv<Target, Source> {
+    using Base = ToYuv<Target, Source>;
+    using Base::Base;
+
+    VELA_FUSED auto operator()(const typename Base::Form &x) const
+    {
+        const auto y = this->luma(x);
+        return pixels(y, y, y, y);
+    }
 };
 
 } // namespace
