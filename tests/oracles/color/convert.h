@@ -183,14 +183,17 @@ private:
     // Two at a time: even and odd pixels of shared chroma differ.
     template <class Pixels> static void writePixels(Rows rows, std::int64_t width, const Pixels &pixels)
     {
-        std::int64_t x = 0;
-        if constexpr (Src::chroma != Chroma::everyPixel)
-            for (; x + 1 < width; x += 2) {
+        if constexpr (Src::chroma == Chroma::everyPixel) {
+            for (std::int64_t x = 0; x < width; ++x)
+                Dst::write(rows, x, pixels(x));
+        } else {
+            for (std::int64_t x = 0; x + 1 < width; x += 2) {
                 Dst::write(rows, x, pixels(x));
                 Dst::write(rows, x + 1, pixels(x + 1));
             }
-        for (; x < width; ++x)
-            Dst::write(rows, x, pixels(x));
+            if (width % 2 == 1)
+                Dst::write(rows, width - 1, pixels(width - 1));
+        }
     }
 
     template <class Luma, class ChromaOf>
