@@ -27,5 +27,6 @@ private:
 // problems by throwing Failure or UsageError.
 void addInfoCommand(CLI::App &app, Session &session);
 void addEnhanceCommand(CLI::App &app, Session &session);
+void addAudioCommand(CLI::App &app, Session &session); // where libsndfile is: see VELA_AUDIO
 
 } // namespace host

@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <iostream>
 #include <memory>
 
@@ -114,13 +113,6 @@ void expandRows(const PackedLayout &layout, Picture &to, const Picture &from, in
 }
 
 // --- Running and reporting them ------------------------------------------------------------------------------
-
-std::string formatted(const char *format, double value)
-{
-    char text[64];
-    std::snprintf(text, sizeof(text), format, value);
-    return text;
-}
 
 // Runs steps several times over a whole picture and collects what the user sees of them.
 class Report {

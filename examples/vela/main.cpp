@@ -17,11 +17,20 @@ namespace {
 
 constexpr const char *description = "vela: a command-line host of the VelaCPUBase kernels.";
 
-constexpr const char *footer = R"(Examples:
+constexpr const char *examples = R"(Examples:
   vela info                                what this processor gets from the library
   vela info --slots video                  every kernel of a family, and the tier that runs
   vela enhance photo.bmp out               smoothed, sharpened and 4:2:2 copies in directory out
-  vela --library ./libVelaCPUBase.so info  with a library of your choice
+)";
+
+#if defined(VELA_AUDIO)
+constexpr const char *audioExamples =
+    "  vela audio a.wav b.wav mix.wav           two sounds mixed; --gain -6,0 for the first at half its amplitude\n";
+#else
+constexpr const char *audioExamples = "";
+#endif
+
+constexpr const char *moreExamples = R"(  vela --library ./libVelaCPUBase.so info  with a library of your choice
 
 'vela SUBCOMMAND --help' explains a subcommand. Exit status: 0 done, 1 failed, 2 wrong usage.)";
 
@@ -56,10 +65,13 @@ int run(std::vector<std::string> arguments)
         ->type_name("PATH");
     app.set_version_flag("--version", versionText());
     app.require_subcommand(1);
-    app.footer(footer);
+    app.footer(std::string(examples) + audioExamples + moreExamples);
 
     addInfoCommand(app, session);
     addEnhanceCommand(app, session);
+#if defined(VELA_AUDIO)
+    addAudioCommand(app, session);
+#endif
 
     try {
         std::reverse(arguments.begin(), arguments.end()); // CLI11 takes them last first

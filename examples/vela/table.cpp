@@ -1,6 +1,7 @@
 #include "table.hpp"
 
 #include <algorithm>
+#include <cstdio>
 #include <ostream>
 
 namespace host {
@@ -42,6 +43,13 @@ void Table::print(std::ostream &out) const
             text += padded(line[i], widths[i], columns[i].align) + gap;
         out << trimmed(text) << '\n';
     }
+}
+
+std::string formatted(const char *pattern, double value)
+{
+    char text[64];
+    std::snprintf(text, sizeof(text), pattern, value);
+    return text;
 }
 
 } // namespace host

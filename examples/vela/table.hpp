@@ -27,4 +27,7 @@ private:
     std::vector<std::vector<std::string>> rows;
 };
 
+// A number as a cell: pattern is printf's, for one double.
+std::string formatted(const char *pattern, double value);
+
 } // namespace host

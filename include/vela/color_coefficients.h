@@ -21,8 +21,8 @@
  * divided by 255, chroma centred on 0. Sources of the weights and ranges: ITU-R BT.601, BT.709 and BT.2020 (its
  * non-constant luminance form), SMPTE 240M.
  *
- * Accuracy of the integer form with these matrices, in codes of an 8-bit or 10-bit result: to RGB within 0.7, to YUV
- * within 0.6; to 16-bit YUV within 4 of 65536. The chroma of a grey is exactly the centre.
+ * Accuracy of the integer form with these matrices: results of 8 and 10 bits lie within 0.7 codes (to RGB) and 0.6
+ * codes (to YUV) of the real matrix, results of 16 bits within 7 and 4.1. The chroma of a grey is exactly the centre.
  *
  * Any other matrix may be filled in by hand. For the integer form every q must lie within -32768..32767, and for
  * every sample that occurs the sum of the three products and the bias within 32 bits.

@@ -65,6 +65,12 @@ struct WideBytes {
     i16s second;
 };
 
+// Magnitudes of signed integers in the form that compares best, here unsigned: there is room for that of the least
+// integer. Zeros are zeros.
+template <class Vector> struct Magnitudes {
+    __m256i v;
+};
+
 // --- Bits ----------------------------------------------------------------------------------------------------
 
 inline __m256i bitsOf(__m256i x) { return x; }
@@ -82,6 +88,11 @@ template <class Vector> inline Vector load(const void *from)
     return fromBits<Vector>(_mm256_loadu_si256((const __m256i *)from));
 }
 template <class Vector> inline void store(void *to, Vector x) { _mm256_storeu_si256((__m256i *)to, bitsOf(x.v)); }
+// Past the caches, to an aligned address; a fence must follow the last one.
+template <class Vector> inline void storeStreaming(void *to, Vector x)
+{
+    _mm256_stream_si256((__m256i *)to, bitsOf(x.v));
+}
 
 // A run of n bytes as its first and its last bytes, as in ends.h; from 16 bytes on in the two halves.
 template <class Vector> inline Vector loadEnds(const void *from, ptrdiff_t n)
@@ -115,6 +126,30 @@ template <class Vector> inline Vector loadFirst(const void *from, ptrdiff_t n)
     const __m128i upper = n > 16 ? loadFew(bytes + 16, n - 16) : _mm_setzero_si128();
     return fromBits<Vector>(
         _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128((const __m128i *)bytes)), upper, 1));
+}
+
+// The first n bytes, 1 to a whole register less one.
+template <class Vector> inline void storeFirst(void *to, Vector x, ptrdiff_t n)
+{
+    __m128i some = _mm256_castsi256_si128(bitsOf(x.v));
+    if (n >= 16) {
+        _mm_storeu_si128((__m128i *)to, some);
+        some = _mm256_extracti128_si256(bitsOf(x.v), 1);
+    }
+    storeFew((uint8_t *)to + (n & 16), some, n & 15);
+}
+
+// Lane 0, the element of 4 or 8 bytes at an address; zeros behind it.
+template <class Vector> inline Vector loadOne(const void *from)
+{
+    if constexpr (Vector::lanes == 8)
+        return fromBits<Vector>(_mm256_zextsi128_si256(_mm_cvtsi32_si128(loadPiece<int>((const uint8_t *)from))));
+    else
+        return fromBits<Vector>(_mm256_zextsi128_si256(_mm_loadl_epi64((const __m128i *)from)));
+}
+template <class Vector> inline void storeOne(void *to, Vector x)
+{
+    storeOne16<32 / Vector::lanes>(to, _mm256_castsi256_si128(bitsOf(x.v)));
 }
 
 template <class Vector> inline Vector zero() { return fromBits<Vector>(_mm256_setzero_si256()); }
@@ -198,6 +233,16 @@ inline u8s larger(u8s a, u8s b) { return {_mm256_max_epu8(a.v, b.v)}; }
 inline u8s smaller(u8s a, u8s b) { return {_mm256_min_epu8(a.v, b.v)}; }
 inline i16s larger(i16s a, i16s b) { return {_mm256_max_epi16(a.v, b.v)}; }
 inline i16s smaller(i16s a, i16s b) { return {_mm256_min_epi16(a.v, b.v)}; }
+inline i32s larger(i32s a, i32s b) { return {_mm256_max_epi32(a.v, b.v)}; }
+inline i32s smaller(i32s a, i32s b) { return {_mm256_min_epi32(a.v, b.v)}; }
+
+inline Magnitudes<i16s> magnitude(i16s x) { return {_mm256_abs_epi16(x.v)}; }
+inline Magnitudes<i32s> magnitude(i32s x) { return {_mm256_abs_epi32(x.v)}; }
+inline Magnitudes<i16s> larger(Magnitudes<i16s> a, Magnitudes<i16s> b) { return {_mm256_max_epu16(a.v, b.v)}; }
+inline Magnitudes<i32s> larger(Magnitudes<i32s> a, Magnitudes<i32s> b) { return {_mm256_max_epu32(a.v, b.v)}; }
+
+// |a| for a above -32768.
+inline i16s absolute(i16s a) { return {_mm256_abs_epi16(a.v)}; }
 
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm256_cmpeq_epi8(a.v, b.v)}; }
@@ -255,6 +300,34 @@ inline u32s interleaveHigh(u32s a, u32s b)
     return {upperHalves(_mm256_unpacklo_epi32(a.v, b.v), _mm256_unpackhi_epi32(a.v, b.v))};
 }
 
+// Lanes a, b, c, d of every four.
+template <int a, int b, int c, int d> inline u16s orderFours(u16s x)
+{
+    constexpr int order = _MM_SHUFFLE(d, c, b, a);
+    return {_mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x.v, order), order)};
+}
+template <int a, int b, int c, int d> inline u32s orderFours(u32s x)
+{
+    return {_mm256_shuffle_epi32(x.v, _MM_SHUFFLE(d, c, b, a))};
+}
+
+// The two bytes of every lane exchanged.
+inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
+
+// The lanes in reverse order.
+inline __m256i swapHalves(__m256i x) { return _mm256_permute4x64_epi64(x, _MM_SHUFFLE(1, 0, 3, 2)); }
+inline u32s reversed(u32s x) { return {swapHalves(orderFours<3, 2, 1, 0>(x).v)}; }
+inline u16s reversed(u16s x)
+{
+    const __m128i order = _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1);
+    return {swapHalves(_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order)))};
+}
+inline u8s reversed(u8s x)
+{
+    const __m128i order = _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    return {swapHalves(_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order)))};
+}
+
 // The even and the odd lanes of a followed by b.
 inline u32s evens(u32s a, u32s b)
 {
@@ -296,6 +369,14 @@ inline __m256i pack24(u32s x, __m256i order)
     return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(x.v, push), order);
 }
 
+// A register of pixels as 24 bytes of packed 3-byte pixels.
+inline void storePixels24(uint8_t *to, u32s x)
+{
+    const __m256i bytes = pack24(x, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+    _mm_storeu_si128((__m128i *)to, _mm256_castsi256_si128(bytes));
+    _mm_storel_epi64((__m128i *)(to + 16), _mm256_extracti128_si256(bytes, 1));
+}
+
 // 4 registers of pixels as packed 3-byte pixels: 24 bytes a register.
 //   a a a a a a b b | b b b b c c c c | c c d d d d d d     in 32-bit pieces
 inline void storePixels24(uint8_t *to, u32s a, u32s b, u32s c, u32s d)
@@ -326,6 +407,8 @@ inline u8s narrow(u16s low, u16s high) { return {unmix(_mm256_packus_epi16(low.v
 inline u8s narrow(i16s low, i16s high) { return {unmix(_mm256_packus_epi16(low.v, high.v))}; }
 inline i8s narrowSigned(i16s low, i16s high) { return {unmix(_mm256_packs_epi16(low.v, high.v))}; }
 inline i16s narrow(i32s low, i32s high) { return {unmix(_mm256_packs_epi32(low.v, high.v))}; }
+// Lanes from 0 to 65535.
+inline u16s narrowWords(i32s low, i32s high) { return {unmix(_mm256_packus_epi32(low.v, high.v))}; }
 
 inline WideBytes widen(u8s x)
 {
@@ -383,6 +466,13 @@ inline Pair<f64s> toDouble(i32s x)
 // As many as fit a vector of the wider type, read from memory and no more.
 inline f64s loadAsDoubles(const float *from) { return {_mm256_cvtps_pd(_mm_loadu_ps(from))}; }
 inline i32s loadAsWide(const int16_t *from) { return {_mm256_cvtepi16_epi32(_mm_loadu_si128((const __m128i *)from))}; }
+inline i32s loadAsWide(const uint8_t *from) { return {_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i *)from))}; }
+// The same at the top of the lanes, zeros below.
+inline i32s loadTop8(const uint8_t *from) { return shiftLeft<24>(loadAsWide(from)); }
+inline i32s loadTop16(const uint8_t *from)
+{
+    return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
+}
 // Rounded to nearest.
 inline f32s toFloat(f64s low, f64s high)
 {
@@ -426,6 +516,26 @@ inline double largest(f64s x)
 {
     const __m128d two = _mm_max_pd(_mm256_castpd256_pd128(x.v), _mm256_extractf128_pd(x.v, 1));
     return _mm_cvtsd_f64(_mm_max_sd(two, _mm_unpackhi_pd(two, two)));
+}
+inline int16_t largest(i16s x)
+{
+    const __m128i eight = _mm_max_epi16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i four = _mm_max_epi16(eight, _mm_unpackhi_epi64(eight, eight));
+    const __m128i two = _mm_max_epi16(four, _mm_srli_epi64(four, 32));
+    return (int16_t)_mm_cvtsi128_si32(_mm_max_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline uint16_t largest(Magnitudes<i16s> x)
+{
+    const __m128i eight = _mm_max_epu16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i four = _mm_max_epu16(eight, _mm_unpackhi_epi64(eight, eight));
+    const __m128i two = _mm_max_epu16(four, _mm_srli_epi64(four, 32));
+    return (uint16_t)_mm_cvtsi128_si32(_mm_max_epu16(two, _mm_srli_epi32(two, 16)));
+}
+inline uint32_t largest(Magnitudes<i32s> x)
+{
+    const __m128i four = _mm_max_epu32(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
+    const __m128i two = _mm_max_epu32(four, _mm_unpackhi_epi64(four, four));
+    return (uint32_t)_mm_cvtsi128_si32(_mm_max_epu32(two, _mm_srli_epi64(two, 32)));
 }
 
 // The sum modulo 2^64 or 2^32.

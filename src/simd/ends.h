@@ -52,7 +52,7 @@ inline void storeEnds16(uint8_t *to, __m128i x, ptrdiff_t n)
     }
 }
 
-// n bytes, 1 to 15, zeros behind them.
+// n bytes, 1 to 15; a load leaves zeros behind them.
 inline __m128i loadFew(const uint8_t *from, ptrdiff_t n)
 {
     if (n >= 8) {
@@ -69,6 +69,40 @@ inline __m128i loadFew(const uint8_t *from, ptrdiff_t n)
         bytes |= (uint64_t)from[n - 1] << (8 * (n - 1));
     }
     return _mm_cvtsi64_si128((long long)bytes);
+}
+
+inline void storeFew(uint8_t *to, __m128i x, ptrdiff_t n)
+{
+    if (n & 8) {
+        _mm_storel_epi64((__m128i *)to, x);
+        x = _mm_srli_si128(x, 8);
+        to += 8;
+    }
+    uint64_t bytes = (uint64_t)_mm_cvtsi128_si64(x);
+    if (n & 4) {
+        memcpy(to, &bytes, 4);
+        bytes >>= 32;
+        to += 4;
+    }
+    if (n & 2) {
+        memcpy(to, &bytes, 2);
+        bytes >>= 16;
+        to += 2;
+    }
+    if (n & 1)
+        *to = (uint8_t)bytes;
+}
+
+// The first element, of 4 or 8 bytes.
+template <int bytes> inline void storeOne16(void *to, __m128i x)
+{
+    if constexpr (bytes == 4) {
+        const int one = _mm_cvtsi128_si32(x);
+        memcpy(to, &one, sizeof(one));
+    } else {
+        static_assert(bytes == 8);
+        _mm_storel_epi64((__m128i *)to, x);
+    }
 }
 
 } // namespace

@@ -43,6 +43,9 @@ inline i32s loadTop24(const uint8_t *from)
 // 1 or -1 with the sign of x; 0 or 1 where x is 0.
 inline i16s unitWithSignOf(i16s x) { return {_mm_or_si128(_mm_srai_epi16(x.v, 15), _mm_set1_epi16(1))}; }
 
+// A register of pixels as 12 bytes of packed 3-byte pixels.
+inline void storePixels24(uint8_t *to, u32s x) { store12(to, pack24(x.v)); }
+
 // 4 registers of pixels as packed 3-byte pixels: 12 bytes a register.
 inline void storePixels24(uint8_t *to, u32s a, u32s b, u32s c, u32s d)
 {

@@ -66,6 +66,12 @@ struct WideBytes {
     i16s second;
 };
 
+// Magnitudes of signed integers in the form that compares best, here negative: there is room for that of the least
+// integer. Zeros are zeros.
+template <class Vector> struct Magnitudes {
+    Vector negative;
+};
+
 // --- Bits ----------------------------------------------------------------------------------------------------
 
 inline __m128i bitsOf(__m128i x) { return x; }
@@ -83,6 +89,8 @@ template <class Vector> inline Vector load(const void *from)
     return fromBits<Vector>(_mm_loadu_si128((const __m128i *)from));
 }
 template <class Vector> inline void store(void *to, Vector x) { _mm_storeu_si128((__m128i *)to, bitsOf(x.v)); }
+// Past the caches, to an aligned address; a fence must follow the last one.
+template <class Vector> inline void storeStreaming(void *to, Vector x) { _mm_stream_si128((__m128i *)to, bitsOf(x.v)); }
 
 // A run of n bytes, fewer than a register holds, as its first and its last bytes: see ends.h.
 template <class Vector> inline Vector loadEnds(const void *from, ptrdiff_t n)
@@ -99,6 +107,22 @@ template <class Vector> inline Vector loadFirst(const void *from, ptrdiff_t n)
 {
     return n >= 16 ? load<Vector>(from) : fromBits<Vector>(loadFew((const uint8_t *)from, n));
 }
+
+// The first n bytes, 1 to a whole register less one.
+template <class Vector> inline void storeFirst(void *to, Vector x, ptrdiff_t n)
+{
+    storeFew((uint8_t *)to, bitsOf(x.v), n);
+}
+
+// Lane 0, the element of 4 or 8 bytes at an address; zeros behind it.
+template <class Vector> inline Vector loadOne(const void *from)
+{
+    if constexpr (Vector::lanes == 4)
+        return fromBits<Vector>(_mm_cvtsi32_si128(loadPiece<int>((const uint8_t *)from)));
+    else
+        return fromBits<Vector>(_mm_loadl_epi64((const __m128i *)from));
+}
+template <class Vector> inline void storeOne(void *to, Vector x) { storeOne16<16 / Vector::lanes>(to, bitsOf(x.v)); }
 
 template <class Vector> inline Vector zero() { return fromBits<Vector>(_mm_setzero_si128()); }
 inline u8s splat8(uint8_t x) { return {_mm_set1_epi8((char)x)}; }
@@ -177,17 +201,33 @@ inline u8s half(u8s a) { return {_mm_and_si128(_mm_srli_epi16(a.v, 1), _mm_set1_
 inline u8s average(u8s a, u8s b) { return {_mm_avg_epu8(a.v, b.v)}; }
 inline u16s average(u16s a, u16s b) { return {_mm_avg_epu16(a.v, b.v)}; }
 
-inline u8s larger(u8s a, u8s b) { return {_mm_max_epu8(a.v, b.v)}; }
-inline u8s smaller(u8s a, u8s b) { return {_mm_min_epu8(a.v, b.v)}; }
-inline i16s larger(i16s a, i16s b) { return {_mm_max_epi16(a.v, b.v)}; }
-inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
-
 // Masks.
 inline u8s equal(u8s a, u8s b) { return {_mm_cmpeq_epi8(a.v, b.v)}; }
 inline u16s equal(u16s a, u16s b) { return {_mm_cmpeq_epi16(a.v, b.v)}; }
 inline u32s equal(u32s a, u32s b) { return {_mm_cmpeq_epi32(a.v, b.v)}; }
 inline i16s greater(i16s a, i16s b) { return {_mm_cmpgt_epi16(a.v, b.v)}; }
 inline i32s greater(i32s a, i32s b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
+
+inline u8s larger(u8s a, u8s b) { return {_mm_max_epu8(a.v, b.v)}; }
+inline u8s smaller(u8s a, u8s b) { return {_mm_min_epu8(a.v, b.v)}; }
+inline i16s larger(i16s a, i16s b) { return {_mm_max_epi16(a.v, b.v)}; }
+inline i16s smaller(i16s a, i16s b) { return {_mm_min_epi16(a.v, b.v)}; }
+inline i32s larger(i32s a, i32s b) { return select(greater(a, b), a, b); }
+inline i32s smaller(i32s a, i32s b) { return select(greater(b, a), a, b); }
+
+// |a| for a above -32768. (The subtraction saturates, as compilers expand a plain one into the terms of a.)
+inline i16s absolute(i16s a) { return larger(a, subtractLimited(zero<i16s>(), a)); }
+
+inline Magnitudes<i16s> magnitude(i16s x) { return {smaller(x, i16s{_mm_setzero_si128()} - x)}; }
+inline Magnitudes<i32s> magnitude(i32s x)
+{
+    const i32s sign = shiftRight<31>(x);
+    return {sign - (x ^ sign)};
+}
+template <class Vector> inline Magnitudes<Vector> larger(Magnitudes<Vector> a, Magnitudes<Vector> b)
+{
+    return {smaller(a.negative, b.negative)};
+}
 
 // The top bit of every byte, that of lane 0 lowest.
 inline uint32_t topBits(u8s x) { return (uint32_t)_mm_movemask_epi8(x.v); }
@@ -213,6 +253,25 @@ inline u16s interleaveHigh(u16s a, u16s b) { return {_mm_unpackhi_epi16(a.v, b.v
 inline u32s interleaveLow(u32s a, u32s b) { return {_mm_unpacklo_epi32(a.v, b.v)}; }
 inline u32s interleaveHigh(u32s a, u32s b) { return {_mm_unpackhi_epi32(a.v, b.v)}; }
 
+// Lanes a, b, c, d of every four.
+template <int a, int b, int c, int d> inline u16s orderFours(u16s x)
+{
+    constexpr int order = _MM_SHUFFLE(d, c, b, a);
+    return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(x.v, order), order)};
+}
+template <int a, int b, int c, int d> inline u32s orderFours(u32s x)
+{
+    return {_mm_shuffle_epi32(x.v, _MM_SHUFFLE(d, c, b, a))};
+}
+
+// The two bytes of every lane exchanged.
+inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
+
+// The lanes in reverse order.
+inline u32s reversed(u32s x) { return orderFours<3, 2, 1, 0>(x); }
+inline u16s reversed(u16s x) { return {_mm_shuffle_epi32(orderFours<3, 2, 1, 0>(x).v, _MM_SHUFFLE(1, 0, 3, 2))}; }
+inline u8s reversed(u8s x) { return as<u8s>(swapBytes(reversed(as<u16s>(x)))); }
+
 // The even and the odd lanes of a followed by b.
 inline u32s evens(u32s a, u32s b)
 {
@@ -221,6 +280,14 @@ inline u32s evens(u32s a, u32s b)
 inline u32s odds(u32s a, u32s b)
 {
     return {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v), _MM_SHUFFLE(3, 1, 3, 1)))};
+}
+
+// The first 12 bytes.
+inline void store12(uint8_t *to, __m128i x)
+{
+    const int last = _mm_cvtsi128_si32(_mm_unpackhi_epi64(x, x));
+    _mm_storel_epi64((__m128i *)to, x);
+    memcpy(to + 8, &last, sizeof(last));
 }
 
 // Four runs of 12 bytes, zeros behind each, as 48 bytes.
@@ -248,6 +315,13 @@ inline u8s narrow(u16s low, u16s high) { return {_mm_packus_epi16(low.v, high.v)
 inline u8s narrow(i16s low, i16s high) { return {_mm_packus_epi16(low.v, high.v)}; }
 inline i8s narrowSigned(i16s low, i16s high) { return {_mm_packs_epi16(low.v, high.v)}; }
 inline i16s narrow(i32s low, i32s high) { return {_mm_packs_epi32(low.v, high.v)}; }
+// Lanes from 0 to 65535, moved to the signed range and back: only its limits are to be had.
+inline u16s narrowWords(i32s low, i32s high)
+{
+    const __m128i middle = _mm_set1_epi32(32768);
+    const __m128i words = _mm_packs_epi32(_mm_sub_epi32(low.v, middle), _mm_sub_epi32(high.v, middle));
+    return {_mm_xor_si128(words, _mm_set1_epi16(-32768))};
+}
 
 inline WideBytes widen(u8s x) { return {{widenLow(x).v}, {widenHigh(x).v}}; }
 // x << 8
@@ -302,6 +376,21 @@ inline i32s loadAsWide(const int16_t *from)
     const __m128i four = _mm_loadl_epi64((const __m128i *)from);
     return {_mm_srai_epi32(_mm_unpacklo_epi16(four, four), 16)};
 }
+inline i32s loadAsWide(const uint8_t *from)
+{
+    const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(loadPiece<int>(from)), _mm_setzero_si128());
+    return {_mm_unpacklo_epi16(words, _mm_setzero_si128())};
+}
+// The same at the top of the lanes, zeros below.
+inline i32s loadTop8(const uint8_t *from)
+{
+    const __m128i words = _mm_unpacklo_epi8(_mm_setzero_si128(), _mm_cvtsi32_si128(loadPiece<int>(from)));
+    return {_mm_unpacklo_epi16(_mm_setzero_si128(), words)};
+}
+inline i32s loadTop16(const uint8_t *from)
+{
+    return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
+}
 // Rounded to nearest.
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
 
@@ -333,6 +422,23 @@ inline float largest(f32s x)
     return _mm_cvtss_f32(_mm_max_ss(two, _mm_shuffle_ps(two, two, 1)));
 }
 inline double largest(f64s x) { return _mm_cvtsd_f64(_mm_max_sd(x.v, _mm_unpackhi_pd(x.v, x.v))); }
+inline int16_t largest(i16s x)
+{
+    const __m128i four = _mm_max_epi16(x.v, _mm_unpackhi_epi64(x.v, x.v));
+    const __m128i two = _mm_max_epi16(four, _mm_srli_epi64(four, 32));
+    return (int16_t)_mm_cvtsi128_si32(_mm_max_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline uint16_t largest(Magnitudes<i16s> x)
+{
+    const __m128i four = _mm_min_epi16(x.negative.v, _mm_unpackhi_epi64(x.negative.v, x.negative.v));
+    const __m128i two = _mm_min_epi16(four, _mm_srli_epi64(four, 32));
+    return (uint16_t)-_mm_cvtsi128_si32(_mm_min_epi16(two, _mm_srli_epi32(two, 16)));
+}
+inline uint32_t largest(Magnitudes<i32s> x)
+{
+    const i32s two = smaller(x.negative, {_mm_unpackhi_epi64(x.negative.v, x.negative.v)});
+    return 0 - (uint32_t)_mm_cvtsi128_si32(smaller(two, {_mm_srli_epi64(two.v, 32)}).v);
+}
 
 // The sum modulo 2^64 or 2^32.
 inline uint64_t sum(u64s x) { return (uint64_t)_mm_cvtsi128_si64(_mm_add_epi64(x.v, _mm_unpackhi_epi64(x.v, x.v))); }

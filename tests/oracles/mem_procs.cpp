@@ -4,10 +4,6 @@
 #include "oracles/mem/floats.h"
 #include "oracles/mem/formats.h"
 #include "oracles/mem/moves.h"
-#include "oracles/mem/pending_bytes.h"
-#include "oracles/mem/pending_floats.h"
-#include "oracles/mem/pending_formats.h"
-#include "oracles/mem/pending_moves.h"
 
 #define VELA_SUBTABLE_LIST "vela/slots/mem_order_ops.def"
 extern constinit const VcbMemOrderOps vela::test::ORACLE::memOrderOps = {
