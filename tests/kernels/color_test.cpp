@@ -313,6 +313,11 @@ TEST(ColorDepths, FloatsAreRoundedAndLimited)
     for (const int bits : {2, 8, 10, 16})
         for (int v = 0; v <= largestOf(bits); ++v)
             ASSERT_EQ(codeOf(unitOf(v, bits), bits), v) << bits;
+    // Ties go down while the sum can still tell them from the next code, then to the even sum.
+    EXPECT_EQ(nearestCode(std::nextafter(0.5F, 0.0F), 255), 0);
+    EXPECT_EQ(nearestCode(0.5F, 255), 0);
+    EXPECT_EQ(nearestCode(1.5F, 255), 1);
+    EXPECT_EQ(nearestCode(2.5F, 255), 3);
     EXPECT_EQ(limitedToUnit(nan), 0);
     EXPECT_EQ(limitedToUnit(-1), 0);
     EXPECT_EQ(limitedToUnit(HUGE_VALF), 1);
@@ -567,6 +572,24 @@ TEST(ColorHues, ToHsv)
     EXPECT_EQ(step({{255, 0, 1}, 0}).c[0], 360);
     EXPECT_EQ(step({{0, 255, 0}, 0}).c[0], 120);
     EXPECT_EQ(step({{0, 0, 255}, 0}).c[0], 240);
+}
+
+// Two largest components, 60 degrees from either: both candidates' bits.
+TEST(ColorHues, OfTiesAreMerged)
+{
+    const ToHsv<HSV, RGB24> step;
+    const auto merged = [](float a, float b) {
+        const uint32_t bits = bitsOf(a) | bitsOf(b);
+        float h = 0;
+        std::memcpy(&h, &bits, sizeof(h));
+        return static_cast<int32_t>(h + 0.49999988F);
+    };
+    for (int d = 1; d < 256; ++d) {
+        const float sixty = static_cast<float>(d) * (approximateReciprocal(static_cast<float>(d)) * 60.0F);
+        EXPECT_EQ(step({{255, 255, 255 - d}, 0}).c[0], merged(sixty, 120 - sixty)) << d;
+        EXPECT_EQ(step({{0, d, d}, 0}).c[0], merged(120 + sixty, 240 - sixty)) << d;
+        EXPECT_EQ(step({{255, 255 - d, 255}, 0}).c[0], merged(240 + sixty, 360 - sixty)) << d;
+    }
 }
 
 TEST(ColorHues, ReturnTheEndOfTheHues)
