@@ -1,6 +1,7 @@
 // Times every slot at every tier against its oracle, compiled with -O3 for the same instruction set. Both work on the
 // same buffers, in random turns; figures are medians.
 
+#include "interleaved.hpp"
 #include "oracles/oracles.hpp"
 #include "support/kernel_tables.hpp"
 
@@ -158,31 +159,6 @@ private:
     std::vector<std::vector<const std::uint8_t *>> pointers_;
 };
 
-// Keeps the median of every benchmark, in nanoseconds of processor time a call, and its spread.
-class Medians : public benchmark::BenchmarkReporter {
-public:
-    struct Time {
-        double median = 0;
-        double variation = 0;
-    };
-
-    bool ReportContext(const Context &) override { return true; }
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs) {
-            const std::string name = run.run_name.function_name;
-            if (run.aggregate_name == "median")
-                times_[name].median = run.GetAdjustedCPUTime();
-            else if (run.aggregate_name == "cv")
-                times_[name].variation = run.GetAdjustedCPUTime() / 1e9; // a share, given in the unit of time
-        }
-    }
-    const Time &operator[](const std::string &name) const { return times_.at(name); }
-
-private:
-    std::map<std::string, Time> times_;
-};
-
 class Table {
 public:
     explicit Table(bool markdown) : markdown_(markdown)
@@ -321,11 +297,6 @@ int main(int argumentCount, char **arguments)
     app.add_flag("--markdown", options.markdown, "print a Markdown table");
     CLI11_PARSE(app, argumentCount, arguments);
 
-    std::string repetitions = "--benchmark_repetitions=" + std::to_string(options.repetitions);
-    std::string interleaving = "--benchmark_enable_random_interleaving=true";
-    std::string aggregates = "--benchmark_report_aggregates_only=true";
-    std::vector<char *> flags = {arguments[0], repetitions.data(), interleaving.data(), aggregates.data(), nullptr};
-    int flagCount = static_cast<int>(flags.size()) - 1;
-    benchmark::Initialize(&flagCount, flags.data());
+    vela::test::initializeInterleaved(arguments[0], options.repetitions);
     return vela::test::bench(options);
 }

@@ -1,6 +1,8 @@
 // All kernel texts of the memory family, for every tier alike: a tier's table names those that it ships.
 #pragma once
 
+#include "mem/kernels/fixed_point.h"
+
 #include "mem/kernels/byte_arithmetic.h"
 #include "mem/kernels/byte_counts.h"
 #include "mem/kernels/byte_mixes.h"

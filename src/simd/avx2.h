@@ -473,7 +473,8 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
 }
-// Rounded to nearest.
+// Rounded to nearest, as are those that go to memory as floats.
+inline void storeAsFloats(float *to, f64s x) { _mm_storeu_ps(to, _mm256_cvtpd_ps(x.v)); }
 inline f32s toFloat(f64s low, f64s high)
 {
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(low.v)), _mm256_cvtpd_ps(high.v), 1)};

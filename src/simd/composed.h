@@ -34,7 +34,7 @@ struct DoubledFloats {
 };
 inline DoubledFloats operator+(DoubledFloats a, DoubledFloats b) { return {a.low + b.low, a.high + b.high}; }
 inline DoubledFloats operator*(DoubledFloats a, f64s b) { return {a.low * b, a.high * b}; }
-// In halves from memory: a shuffle less.
+// In halves from memory and to it: without shuffles.
 template <> inline DoubledFloats load<DoubledFloats>(const void *from)
 {
     return {loadAsDoubles((const float *)from), loadAsDoubles((const float *)from + f64s::lanes)};
@@ -49,7 +49,11 @@ template <> inline DoubledFloats loadOne<DoubledFloats>(const void *from)
     const f64s one = toDouble(loadOne<f32s>(from)).low;
     return {one, one}; // two of the same cost what one does
 }
-inline void store(void *to, DoubledFloats x) { store(to, toFloat(x.low, x.high)); }
+inline void store(void *to, DoubledFloats x)
+{
+    storeAsFloats((float *)to, x.low);
+    storeAsFloats((float *)to + f64s::lanes, x.high);
+}
 inline void storeEnds(void *to, DoubledFloats x, ptrdiff_t n) { storeEnds(to, toFloat(x.low, x.high), n); }
 inline void storeOne(void *to, DoubledFloats x) { storeOne(to, toFloat(x.low, x.high)); }
 

@@ -87,6 +87,7 @@ template <int size, class Step, class... Rows> inline void forBlocks(ptrdiff_t n
     [&](typename Rows::template Short<size> &&...shorts) {
         [&](auto... work) {
             const ptrdiff_t last = isShort ? 0 : n - size;
+#pragma GCC unroll 2 // worth 5 to 50 % where a step is a few instructions (Zen 4)
             for (ptrdiff_t i = 0; i < last; i += size)
                 step(work.at(i)...);
             step(work.at(last)...);

@@ -269,7 +269,11 @@ inline u16s swapBytes(u16s x) { return shiftLeft<8>(x) | shiftRight<8>(x); }
 
 // The lanes in reverse order.
 inline u32s reversed(u32s x) { return orderFours<3, 2, 1, 0>(x); }
-inline u16s reversed(u16s x) { return {_mm_shuffle_epi32(orderFours<3, 2, 1, 0>(x).v, _MM_SHUFFLE(1, 0, 3, 2))}; }
+inline u16s reversed(u16s x)
+{
+    const u16s halves = orderFours<3, 2, 1, 0>(x);
+    return {_mm_shuffle_epi32(halves.v, _MM_SHUFFLE(1, 0, 3, 2))};
+}
 inline u8s reversed(u8s x) { return as<u8s>(swapBytes(reversed(as<u16s>(x)))); }
 
 // The even and the odd lanes of a followed by b.
@@ -391,7 +395,8 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
 }
-// Rounded to nearest.
+// Rounded to nearest, as are those that go to memory as floats.
+inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
 
 // --- Across lanes --------------------------------------------------------------------------------------------

@@ -59,8 +59,8 @@ void number(uint8_t *row, std::size_t size)
 // --- Overlap -------------------------------------------------------------------------------------------------
 
 // Within one row: `size` bytes from `from` to `to`, against a copy through a buffer.
-void expectMove(const Named<decltype(VcbMemOrderOps::MemCopy)> &move, uint8_t *row, std::size_t rowSize,
-                std::size_t to, std::size_t from, std::size_t size)
+void expectMove(const Named<decltype(VcbMemOrderOps::MemCopy)> &move, uint8_t *row, std::size_t rowSize, std::size_t to,
+                std::size_t from, std::size_t size)
 {
     static Bytes expected;
     number(row, rowSize);
@@ -121,10 +121,7 @@ std::vector<std::size_t> sizes()
 {
     if (std::getenv("VELA_CHECK_QUICK"))
         return {2048, 16 * mebibyte + 129, 32 * mebibyte + 24};
-    return {2047,          2048,
-            4096 + 5,      mebibyte + 1,
-            16 * mebibyte, 16 * mebibyte + 129,
-            32 * mebibyte, 33 * mebibyte + 24};
+    return {2047, 2048, 4096 + 5, mebibyte + 1, 16 * mebibyte, 16 * mebibyte + 129, 32 * mebibyte, 33 * mebibyte + 24};
 }
 
 // Whether bytes that a period separates are equal.
@@ -241,9 +238,9 @@ TEST(MemRuns, AnyStrideAndOverlap)
                 copyRuns(expected, runs, backwards);
                 kernel.kernel(row.data() + runs.to, row.data() + runs.from, runs.dstStride, runs.srcStride,
                               runs.runBytes, runs.rows);
-                ASSERT_EQ(row, expected) << kernel.name << (backwards ? " backwards, " : ", ") << runs.rows << " runs of "
-                                         << runs.runBytes << " from " << runs.from << " + r * " << runs.srcStride
-                                         << " to " << runs.to << " + r * " << runs.dstStride;
+                ASSERT_EQ(row, expected) << kernel.name << (backwards ? " backwards, " : ", ") << runs.rows
+                                         << " runs of " << runs.runBytes << " from " << runs.from << " + r * "
+                                         << runs.srcStride << " to " << runs.to << " + r * " << runs.dstStride;
             }
         }
     }

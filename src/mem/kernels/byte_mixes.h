@@ -7,17 +7,6 @@
 
 namespace {
 
-// A parameter in fixed point, to nearest, ties to even. A NaN fails the first comparison.
-template <int fractionBits> inline int16_t toFixed(double x)
-{
-    double t = x * (1 << fractionBits);
-    t = t > -32767 ? t : -32767;
-    t = t < 32767 ? t : 32767;
-    return (int16_t)_mm_cvtsd_si32(_mm_set_sd(t));
-}
-
-constexpr int weightBits = 14;
-constexpr int gainBits = 12;
 // Fraction bits of a product with a weight or a gain.
 constexpr int ofWeights = 5;
 constexpr int ofGains = 3;
@@ -247,7 +236,8 @@ private:
     void convert(ptrdiff_t first, ptrdiff_t n)
     {
         for (ptrdiff_t k = 0; k < n; ++k)
-            factors_[k] = splatI16(toFixed<weightBits>((double)weights_[first + k]));
+            factors_[k] =
+                splatI16(toFixed<weightBits>((double)loadPiece<float>((const uint8_t *)(weights_ + first + k))));
     }
 
     const uint8_t *const *src_;

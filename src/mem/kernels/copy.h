@@ -25,13 +25,13 @@ template <int count> struct Block {
 
     void storeTo(uint8_t *to) const
     {
-#pragma GCC unroll 4
+#pragma GCC unroll 8
         for (int i = 0; i < count; ++i)
             store(to + i * (ptrdiff_t)sizeof(u8s), registers[i]);
     }
     void streamTo(uint8_t *to) const
     {
-#pragma GCC unroll 4
+#pragma GCC unroll 8
         for (int i = 0; i < count; ++i)
             storeStreaming(to + i * (ptrdiff_t)sizeof(u8s), registers[i]);
     }
@@ -39,7 +39,7 @@ template <int count> struct Block {
 template <int count> inline Block<count> loadBlock(const uint8_t *from)
 {
     Block<count> block;
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int i = 0; i < count; ++i)
         block.registers[i] = load<u8s>(from + i * (ptrdiff_t)sizeof(u8s));
     return block;

@@ -25,18 +25,19 @@ inline void fillFew(uint8_t *dst, uint64_t first, uint64_t last, ptrdiff_t n)
         *dst = (uint8_t)first;
 }
 
-// Writes the block again and again from an aligned address on, as long as it begins below `end`. Streaming stores pay
-// from the same size on as in copies; fills of less are slower by them.
-template <int count> inline void repeat(uint8_t *to, const uint8_t *end, Block<count> block, bool streaming)
+// Writes the block again and again from an aligned address on, while all of it lies below `end`; returns where it
+// stopped. Streaming stores pay from the same traffic on as in copies.
+template <int count> inline uint8_t *repeat(uint8_t *to, const uint8_t *end, Block<count> block, bool streaming)
 {
     if (streaming) {
-        for (; to < end; to += block.size)
+        for (; end - to >= block.size; to += block.size)
             block.streamTo(to);
         _mm_sfence();
     } else {
-        for (; to < end; to += block.size)
+        for (; end - to >= block.size; to += block.size)
             block.storeTo(to);
     }
+    return to;
 }
 
 // --- Elements of 1, 2, 4 and 8 bytes -------------------------------------------------------------------------
@@ -89,18 +90,22 @@ inline void fillBytes(uint8_t *dst, uint64_t eight, ptrdiff_t n)
         fillEndBlocks<2>(dst, value, n);
     } else if (n <= 8 * size) {
         fillEndBlocks<4>(dst, value, n);
+    } else if (n <= 16 * size) {
+        fillEndBlocks<8>(dst, value, n);
     } else {
         const ptrdiff_t skip = toAligned(dst);
         const uint64_t word = later(eight, skip);
         const u8s aligned = as<u8s>(splat64(word));
-        const Block<4> last = {{value, value, value, value}};
-        uint8_t *const lastTo = dst + n - last.size;
+        uint8_t *const last = dst + n - size;
         store(dst, value);
-        if (n >= storedByProcessor && n < streamedTraffic)
+        if (n >= storedByProcessor && n < streamedTraffic) {
             storeWords(dst + skip, dst + n, word);
-        else
-            repeat<4>(dst + skip, lastTo, {{aligned, aligned, aligned, aligned}}, n >= streamedTraffic);
-        last.storeTo(lastTo);
+        } else {
+            uint8_t *to = repeat<4>(dst + skip, last, {{aligned, aligned, aligned, aligned}}, n >= streamedTraffic);
+            for (; to < last; to += size) // up to three: fewer stores than a block from the end
+                store(to, aligned);
+        }
+        store(last, value);
     }
 }
 
@@ -173,10 +178,9 @@ void MemFill24(uint8_t *dst, uint32_t value, uint64_t count)
     } else {
         const Block<3> ends = threes.block();
         const ptrdiff_t skip = toAligned(dst);
-        uint8_t *const lastTo = dst + n - ends.size;
         store(dst, ends.registers[0]);
-        repeat<3>(dst + skip, lastTo, Threes(later24(value, skip)).block(), n >= streamedTraffic);
-        ends.storeTo(lastTo);
+        repeat<3>(dst + skip, dst + n, Threes(later24(value, skip)).block(), n >= streamedTraffic);
+        ends.storeTo(dst + n - ends.size);
     }
 }
 

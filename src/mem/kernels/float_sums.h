@@ -104,11 +104,11 @@ float MemSsimSumF32B(float *map, const float *p, const float *q, const float *a,
 
 // --- Correlation ---------------------------------------------------------------------------------------------
 
-// Three sums of one pass, side by side: x * x, y * y, x * y.
+// Three sums of one pass, side by side and in the order of the caller's: x * x, y * y, x * y.
 template <class Value> struct Moments {
     Value xx, yy, xy;
 };
-template <class Vector> inline Moments<Vector> operator+(Moments<Vector> s, Moments<Vector> t)
+template <class Value> inline Moments<Value> operator+(Moments<Value> s, Moments<Value> t)
 {
     return {s.xx + t.xx, s.yy + t.yy, s.xy + t.xy};
 }
@@ -136,11 +136,10 @@ inline Value deviationSums(Value *sums, const Value *a, const Value *b, Vector m
         return Moments<Vector>{x * x, y * y, x * y};
     };
     const Moments<Value> row = sumInLanes<lanes>((ptrdiff_t)count, moments, Lanes<Vector>{a}, Lanes<Vector>{b});
-    sums[0] += row.xx;
-    sums[1] += row.yy;
-    sums[2] += row.xy;
-    const Value product = squareRoot(sums[0]) * squareRoot(sums[1]);
-    return product > 0 ? sums[2] / product : 0;
+    const Moments<Value> total = loadPiece<Moments<Value>>((const uint8_t *)sums) + row;
+    memcpy(sums, &total, sizeof(total));
+    const Value product = squareRoot(total.xx) * squareRoot(total.yy);
+    return product > 0 ? total.xy / product : 0;
 }
 
 float MemDeviationSumsF32(float *sums, const float *a, const float *b, float meanA, float meanB, uint64_t count)

@@ -107,6 +107,7 @@ void MemExchange(uint8_t *a, uint8_t *b, uint64_t count)
         // The last registers, read before the one ahead of them is exchanged.
         const u8s lastA = load<u8s>(a + n - size);
         const u8s lastB = load<u8s>(b + n - size);
+#pragma GCC unroll 4
         for (ptrdiff_t i = 0; i < n - size; i += size) {
             const u8s x = load<u8s>(a + i);
             store(a + i, load<u8s>(b + i));

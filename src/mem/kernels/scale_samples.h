@@ -81,19 +81,10 @@ void MemScaleOp41(int16_t *dst, const int32_t *src, double gain, uint64_t count)
     convert<S16, S32>(dst, src, count, [factor](i32s x) { return nearestS16(toFloat(x) * factor); });
 }
 
-// x with 14 fraction bits, to the nearest, ties to even; within -32767..32767, which a NaN is not above.
-inline int16_t fixedPoint14(double x)
-{
-    double t = x * 0x1p14;
-    t = t > -32767 ? t : -32767;
-    t = t < 32767 ? t : 32767;
-    return (int16_t)_mm_cvtsd_si32(_mm_set_sd(t));
-}
-
 // The sum of a pair times a weight of at most 32767 fits 32 bits, and so does what is added to round it.
 void MemScaleOp51(int16_t *dst, const int16_t *src, double gain, uint64_t count)
 {
-    const i16s weight = splatI16(fixedPoint14(gain));
+    const i16s weight = splatI16(toFixed<weightBits>(gain));
     const auto mono = [weight](const uint8_t *from) {
         return shiftRight<14>(multiplyAddPairs(load<i16s>(from), weight) + splatI32(8192));
     };

@@ -78,6 +78,7 @@ inline void insert(void *dst, const void *src, uint64_t count, Wide kept)
     if (n >= size) {
         const ptrdiff_t end = n - size;
         const Pair<Wide> last = merge(2 * end, 2 * end + size, load<Narrow>(from + end));
+#pragma GCC unroll 2
         for (ptrdiff_t i = 0; i < end; i += size)
             put(2 * i, 2 * i + size, merge(2 * i, 2 * i + size, load<Narrow>(from + i)));
         put(2 * end, 2 * end + size, last);

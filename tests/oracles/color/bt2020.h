@@ -24,7 +24,7 @@ constexpr BySign redOfCode{28154, 16279};       // 1.7184, 0.9936
 constexpr BySign greenOfBlueCode{-2782, -2267}; // times -kb / kg
 constexpr BySign greenOfRedCode{-10910, -6308}; // times -kr / kg
 
-inline std::int32_t byteOf(std::int32_t v) { return std::clamp(v, 0, 255); }
+inline std::int32_t byteOf(std::int32_t v) { return limited(v, 0, 255); }
 
 // v times a scale, with three more fraction bits. Nothing here or below leaves 16 bits.
 inline std::int32_t eighths(std::int32_t v, BySign scale) { return (scale(v) * (v * 32)) >> 16; }

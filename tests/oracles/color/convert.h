@@ -32,11 +32,12 @@ template <class Src> struct Picture {
             return Src::read(rows(line), x);
         } else {
             const std::int64_t k = x / 2;
-            const std::int64_t next = std::min(k + x % 2, pairsIn(width) - 1);
-            return {{Src::component(rows(line), 0, x), //
-                     mean(Src::component(rows(line), 1, k), Src::component(rows(line), 1, next)),
-                     mean(Src::component(rows(line), 2, k), Src::component(rows(line), 2, next))},
-                    0};
+            const bool between = x % 2 == 1 && k + 1 < pairsIn(width);
+            const auto chroma = [&](int c) {
+                const auto own = Src::component(rows(line), c, k);
+                return between ? mean(own, Src::component(rows(line), c, k + 1)) : own;
+            };
+            return {{Src::component(rows(line), 0, x), chroma(1), chroma(2)}, 0};
         }
     }
 
@@ -183,14 +184,17 @@ private:
     // Two at a time: even and odd pixels of shared chroma differ.
     template <class Pixels> static void writePixels(Rows rows, std::int64_t width, const Pixels &pixels)
     {
-        std::int64_t x = 0;
-        if constexpr (Src::chroma != Chroma::everyPixel)
-            for (; x + 1 < width; x += 2) {
+        if constexpr (Src::chroma == Chroma::everyPixel) {
+            for (std::int64_t x = 0; x < width; ++x)
+                Dst::write(rows, x, pixels(x));
+        } else {
+            for (std::int64_t x = 0; x + 1 < width; x += 2) {
                 Dst::write(rows, x, pixels(x));
                 Dst::write(rows, x + 1, pixels(x + 1));
             }
-        for (; x < width; ++x)
-            Dst::write(rows, x, pixels(x));
+            if (width % 2 == 1)
+                Dst::write(rows, width - 1, pixels(width - 1));
+        }
     }
 
     template <class Luma, class ChromaOf>

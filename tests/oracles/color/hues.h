@@ -13,7 +13,7 @@ struct HueWeights {
     float c[3];
     explicit HueWeights(std::int32_t hue)
     {
-        const auto h = static_cast<float>(std::clamp(hue, 0, 360));
+        const auto h = static_cast<float>(limited(hue, 0, 360));
         const float distances[3] = {std::min(h, 360 - h), std::abs(h - 120), std::abs(h - 240)};
         for (int i = 0; i < 3; ++i)
             c[i] = limitedToUnit((120 - distances[i]) * static_cast<float>(1.0 / 60.0));
@@ -97,7 +97,7 @@ private:
         if (largest == 0)
             return 0;
         const float q = (static_cast<float>(least) * approximateReciprocal(static_cast<float>(largest))) * 255.0F;
-        return std::clamp(saturated16(truncated((255.0F + justBelowHalf) - q)), 0, 255);
+        return limited(saturated16(truncated((255.0F + justBelowHalf) - q)), 0, 255);
     }
 
     // Where two components are the largest, two candidates hold and their bits are merged.

@@ -13,6 +13,11 @@
 namespace {
 
 constexpr std::int32_t largestOf(int bits) { return static_cast<std::int32_t>((1U << bits) - 1); }
+constexpr std::int32_t limited(std::int32_t v, std::int32_t least, std::int32_t most)
+{
+    return v < least ? least : v > most ? most : v;
+}
+
 constexpr bool isFloat(int bits) { return bits == 32; }
 
 // --- Rounding -----------------------------------------------------------------------------------------------------
@@ -25,14 +30,14 @@ inline std::int32_t truncated(float x)
     return x >= -0x1p31F && x < 0x1p31F ? static_cast<std::int32_t>(x) : INT32_MIN;
 }
 
-inline std::int32_t saturated16(std::int32_t v) { return std::clamp(v, -32768, 32767); }
+inline std::int32_t saturated16(std::int32_t v) { return limited(v, -32768, 32767); }
 
 // 16-bit codes are limited as floats, so that everything too large is the largest; up to 10 bits beyond 2^31 it is 0.
 inline std::int32_t nearestCode(float x, std::int32_t largest)
 {
     float t = x + justBelowHalf;
     if (largest <= 1023)
-        return std::clamp(saturated16(truncated(t)), 0, largest);
+        return limited(saturated16(truncated(t)), 0, largest);
     t = t > 0 ? t : 0;
     t = t < 65535 ? t : 65535;
     return static_cast<std::int32_t>(t);
@@ -163,7 +168,7 @@ private:
         const std::int32_t sum = q[0] * ((pixel.c[0] >> unused) - block_.qOff[0]) +
                                  q[1] * ((pixel.c[1] >> unused) - block_.qOff[1]) +
                                  q[2] * ((pixel.c[2] >> unused) - block_.qOff[2]) + block_.qBias[i];
-        return std::clamp(sum >> block_.qShift, 0, largestOf(Dst::bits[0]));
+        return limited(sum >> block_.qShift, 0, largestOf(Dst::bits[0]));
     }
 
     Block block_;
@@ -315,7 +320,7 @@ struct ByteRange {
     std::int32_t from, to, factor, shift;
     std::int32_t operator()(std::int32_t v) const
     {
-        return std::clamp(to + (((v - from) * factor + (1 << (shift - 1))) >> shift), 0, 255);
+        return limited(to + (((v - from) * factor + (1 << (shift - 1))) >> shift), 0, 255);
     }
 };
 constexpr ByteRange lumaBytesToFull{16, 0, 9539, 13};

@@ -166,6 +166,8 @@ void MemMixOp4(uint8_t *dst, const uint8_t *a, const uint8_t *b, double weight, 
 void MemMixOp6(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count)
 {
     std::vector<int> w;
+    if (!count)
+        return;
     for (int32_t k = 0; k < inputs; ++k)
         w.push_back(mixWeight(weights[k], 14));
     for (uint64_t i = 0; i < count; ++i) {
