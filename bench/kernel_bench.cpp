@@ -108,6 +108,8 @@ private:
     std::uint8_t *makeRow(std::size_t i, std::int64_t items, std::mt19937_64 &random)
     {
         constexpr std::size_t alignment = 64;
+        if (case_.timedOnEqualRows)
+            random.seed(1);
         const Argument &argument = case_.arguments[i];
         const std::int64_t bytes = items * argument.bytes(count_);
         if (argument.bytes(2 * count_) > argument.bytes(count_))
@@ -117,8 +119,8 @@ private:
         std::uint8_t *start = row.data() + argument.before + (alignment - address % alignment) % alignment;
         switch (case_.parameters[i].element) {
         case Element::integer:
-            for (std::uint8_t &byte : row)
-                byte = static_cast<std::uint8_t>(random());
+            for (std::uint8_t *byte = start - argument.before; byte != row.data() + row.size(); ++byte)
+                *byte = static_cast<std::uint8_t>(random());
             break;
         case Element::float32:
             fillWithAudio<float>(start - argument.before, argument.before + bytes + argument.after, random);

@@ -32,10 +32,14 @@ struct Options {
     int repetitions = 9;
     double seconds = 0.02;
     bool wide = false;
+    bool all = false;
     bool markdown = false;
 };
 
 // --- Instruction sets ----------------------------------------------------------------------------------------
+
+constexpr int anyLevel = VCB_CPU_AVX2 + 1; // AVX-512, fused multiplication, or whatever a compiler made of plain C
+constexpr const char *wideTier = "wide";
 
 // The level that runs code of an instruction set, by the name that a peer gives it.
 int levelOf(const std::string &instructions)
@@ -47,15 +51,19 @@ int levelOf(const std::string &instructions)
     for (const auto &[name, level] : levels)
         if (instructions == name)
             return level;
-    return VCB_CPU_AVX2 + 1; // AVX-512, fused multiplication, or whatever a compiler made of plain C
+    return anyLevel;
 }
 
 // --- Contests ------------------------------------------------------------------------------------------------
+
+constexpr const char *volkName = "VOLK";
+constexpr const char *swresampleName = "swresample";
 
 using Work = std::function<void(unsigned count)>;
 
 struct Contestant {
     std::string library;
+    std::string function; // where a library has several
     std::string instructions;
     Work work;
     // Work at a count of 0, where this is to be taken off: the price of choosing an implementation by name.
@@ -152,11 +160,8 @@ public:
         for (std::size_t i = 0; i < description.n_impls; ++i) {
             const char *name = description.impl_names[i];
             const std::string instructions = name[0] && name[1] == '_' ? name + 2 : name;
-            contests_.back().peers.push_back({std::string("VOLK ") + name,
-                                              instructions,
-                                              [byName, name](unsigned count) { byName(count, name); },
-                                              true,
-                                              {}});
+            contests_.back().peers.push_back(
+                {volkName, name, instructions, [byName, name](unsigned count) { byName(count, name); }, true, {}});
         }
     }
 
@@ -167,7 +172,7 @@ public:
         constexpr int sse2 = AV_CPU_FLAG_MMX | AV_CPU_FLAG_MMXEXT | AV_CPU_FLAG_SSE | AV_CPU_FLAG_SSE2;
         constexpr int upToAvx =
             sse2 | AV_CPU_FLAG_SSE3 | AV_CPU_FLAG_SSSE3 | AV_CPU_FLAG_SSE4 | AV_CPU_FLAG_SSE42 | AV_CPU_FLAG_AVX;
-        for (const auto &[instructions, flags] : {std::pair{"sse2", sse2}, {"avx", upToAvx}, {"best", -1}}) {
+        for (const auto &[instructions, flags] : {std::pair{"sse2", sse2}, {"avx", upToAvx}, {"native", -1}}) {
             av_force_cpu_flags(-1);
             if (flags != -1 && (av_get_cpu_flags() & flags) != flags)
                 continue;
@@ -178,7 +183,8 @@ public:
                 throw std::runtime_error("libswresample makes no such converter");
             const std::shared_ptr<SwrContext> context(made, [](SwrContext *c) { swr_free(&c); });
             contests_.back().peers.push_back(
-                {"swresample",
+                {swresampleName,
+                 "",
                  instructions,
                  [context, rows](unsigned count) {
                      auto *out = reinterpret_cast<std::uint8_t *>(rows->to.data());
@@ -226,7 +232,7 @@ private:
                 if (!kernel || VCB_GetCPUInsHigh() < tier.needs || !(tier.tier || options_.wide))
                     continue;
                 found.push_back(
-                    {"vela", tier.name, [kernel, call](unsigned count) { call(kernel, count); }, false, {}});
+                    {"vela", "", tier.name, [kernel, call](unsigned count) { call(kernel, count); }, false, {}});
             }
             const auto *first = reinterpret_cast<const VcbKernel *>(table.tiers.front().table);
             const auto *own =
@@ -248,7 +254,7 @@ private:
                 const double difference = contest.largestDifference();
                 if (contest.tolerance >= 0 && !(difference <= contest.tolerance)) {
                     std::fprintf(stderr, "peer_bench: %s and %s (%s) differ by %g\n", contest.kernel.c_str(),
-                                 contestant.library.c_str(), contestant.instructions.c_str(), difference);
+                                 contestant.library.c_str(), contestant.function.c_str(), difference);
                     agree = false;
                 }
             }
@@ -260,7 +266,8 @@ private:
     {
         for (std::vector<Contestant> *side : {&contest.own, &contest.peers}) {
             for (Contestant &contestant : *side) {
-                contestant.name = contest.kernel + "/" + contestant.library + "/" + contestant.instructions;
+                contestant.name =
+                    contest.kernel + "/" + contestant.library + contestant.function + "/" + contestant.instructions;
                 enlist(contestant.name, contestant.work, static_cast<unsigned>(options_.count));
                 if (contestant.pricedByName)
                     enlist(contestant.name + "/0", contestant.work, 0);
@@ -284,6 +291,18 @@ private:
         return contestant.pricedByName ? whole - medians[contestant.name + "/0"].median : whole;
     }
 
+    // The library's fastest implementation that runs at a level.
+    static const Contestant *fastest(const Contest &contest, const std::string &library, int level,
+                                     const Medians &medians)
+    {
+        const Contestant *found = nullptr;
+        for (const Contestant &peer : contest.peers)
+            if (peer.library == library && levelOf(peer.instructions) <= level &&
+                (!found || timeOf(peer, medians) < timeOf(*found, medians)))
+                found = &peer;
+        return found;
+    }
+
     void report(const Medians &medians) const
     {
         row("kernel", "tier", "ns/unit", "peer", "instructions", "ns/unit", "x peer", "note");
@@ -293,41 +312,46 @@ private:
         int equals = 0;
         std::vector<std::string> behind;
         for (const Contest &contest : contests_) {
-            const auto best = std::min_element(
-                contest.peers.begin(), contest.peers.end(),
-                [&](const Contestant &x, const Contestant &y) { return timeOf(x, medians) < timeOf(y, medians); });
             for (const Contestant &own : contest.own) {
-                const int level = own.instructions == "wide" ? VCB_CPU_AVX2 : levelOf(own.instructions);
-                for (const Contestant &peer : contest.peers) {
-                    const bool equal = levelOf(peer.instructions) <= level;
-                    if (!equal && &peer != &*best)
-                        continue;
+                const int level = own.instructions == wideTier ? VCB_CPU_AVX2 : levelOf(own.instructions);
+                const auto add = [&](const Contestant &peer, const char *rank) {
                     const double ratio = timeOf(peer, medians) / timeOf(own, medians);
-                    row(contest.kernel, own.instructions, figure("%.3f", perUnit(timeOf(own, medians))), peer.library,
-                        peer.instructions + (equal ? "" : " (best)"), figure("%.3f", perUnit(timeOf(peer, medians))),
-                        figure("%.2f", ratio), contest.note);
+                    row(contest.kernel, own.instructions, figure("%.3f", perUnit(timeOf(own, medians))),
+                        peer.library + " " + peer.function, peer.instructions + rank,
+                        figure("%.3f", perUnit(timeOf(peer, medians))), figure("%.2f", ratio), contest.note);
+                    return ratio;
+                };
+                for (const char *library : {volkName, swresampleName}) {
+                    const Contestant *equal = fastest(contest, library, level, medians);
+                    const Contestant *best = fastest(contest, library, anyLevel, medians);
+                    if (options_.all) {
+                        for (const Contestant &peer : contest.peers)
+                            if (peer.library == library && &peer != equal && &peer != best)
+                                add(peer, "");
+                    }
+                    if (best && best != equal)
+                        add(*best, " (best)");
                     if (!equal)
                         continue;
+                    const double ratio = add(*equal, " (equal)");
                     logs += std::log(ratio);
                     ++equals;
                     if (ratio < 0.97)
                         behind.push_back(contest.kernel + " on " + own.instructions + ", " + figure("%.2f", ratio) +
-                                         " times " + peer.library);
+                                         " times " + library);
                 }
             }
         }
-        std::puts(
-            "\n"
-            "x peer: how many times as fast as the peer. Instructions: those of the peer; rows of a better set than\n"
-            "the tier's are given for the peer's best only. VOLK's time is without that of choosing an\n"
-            "implementation by name, measured at a count of 0; libswresample's is that of a whole swr_convert.\n"
-            "a  the peer rounds to nearest, the kernel truncates\n"
-            "b  the dot product of a row with itself\n"
-            "c  the peer finds the place of the largest value, the kernel the largest magnitude");
+        std::puts("\n"
+                  "x peer: how many times as fast as the peer. Equal: the peer's fastest implementation of the tier's\n"
+                  "instruction set or below. Best: its fastest of all. VOLK's time is without that of choosing an\n"
+                  "implementation by name, measured at a count of 0; libswresample's is that of a whole swr_convert.\n"
+                  "a  the peer rounds to nearest, the kernel truncates\n"
+                  "b  the peer multiplies a row with itself\n"
+                  "c  the peer finds the place of the largest value, the kernel the largest magnitude");
         if (equals)
-            std::printf(
-                "\nat the tier's instruction set or below: %.2f times the peer on the geometric mean of %d rows\n",
-                std::exp(logs / equals), equals);
+            std::printf("\n%.2f times the equal peer on the geometric mean of %d rows\n", std::exp(logs / equals),
+                        equals);
         for (const std::string &line : behind)
             std::printf("behind: %s\n", line.c_str());
     }
@@ -504,6 +528,7 @@ int main(int argumentCount, char **arguments)
     app.add_option("--repetitions", options.repetitions, "runs of each, in random turns")->capture_default_str();
     app.add_option("--seconds", options.seconds, "least time of a run")->capture_default_str();
     app.add_flag("--wide", options.wide, "also the kernel texts compiled for AVX2 that the library does not ship");
+    app.add_flag("--all", options.all, "every implementation of a peer");
     app.add_flag("--markdown", options.markdown, "print a Markdown table");
     CLI11_PARSE(app, argumentCount, arguments);
 

@@ -254,9 +254,8 @@ void runAudio(const AudioOptions &options, Session &session)
 
 std::vector<std::string> formatNames()
 {
-    std::vector<std::string> names;
-    for (const SampleFormat &format : sampleFormats)
-        names.emplace_back(format.name);
+    std::vector<std::string> names(sampleFormats.size());
+    std::ranges::transform(sampleFormats, names.begin(), &SampleFormat::name);
     return names;
 }
 
@@ -269,10 +268,12 @@ struct UsageWithFiles : CLI::Formatter {
 };
 
 constexpr const char *footer =
-    R"(Inputs have the same rate and number of channels; the mix is as long as the longest. It is made in 32-bit floats.
-Whole numbers are cut off towards zero, and limited to full scale. OUT.wav appears when it is complete.
-Read are WAV files of uncompressed samples of the same formats. Levels are those of the files, the output's after its
-rounding; 0 dBFS is a sample, or an RMS, of 1. Speeds are of the median block.
+    R"(Inputs are WAV files of uncompressed samples, all of the same rate and number of channels. They are mixed in 32-bit
+floats; the mix is as long as the longest. Whole numbers are limited to full scale and cut off towards zero. Until it
+is complete, OUT.wav has the name OUT.wav.part.
+
+Levels are those of the files, after the rounding of their formats; 0 dBFS is a sample, or an RMS, of 1. Speeds are
+those of the median block.
 
 Examples:
   vela audio voice.wav louder.wav --gain 6

@@ -166,7 +166,10 @@ template <class Vector, class Element, class Op>
 inline void update(Element *dst, ptrdiff_t n, Op op, const Element *src)
 {
     constexpr int size = Vector::lanes;
-    const auto step = [=](ptrdiff_t i) { store(dst + i, op(load<Vector>(dst + i), load<Vector>(src + i))); };
+    const auto step = [=](ptrdiff_t i) {
+        store(dst + i, op(load<Vector>(dst + i), load<Vector>(src + i)));
+        __asm__ volatile("" ::: "memory"); // no load ahead of the store: a tenth faster (Zen 4)
+    };
     ptrdiff_t i = 0;
     for (; i <= n - 4 * size; i += 4 * size) {
         step(i);

@@ -79,7 +79,7 @@ std::vector<KernelCase> memByteCases()
         kernelCase<&Arith::MemCountEqual8>(countOne()).readsPopcnt(),
         kernelCase<&Arith::MemCountEqual8Pair>(countPair()).readsPopcnt(),
 
-        kernelCase<&VcbMemCompareOps::MemCompare8>({source(1), source(1), count()}),
+        kernelCase<&VcbMemCompareOps::MemCompare8>({source(1), source(1), count()}).endsAtDifference(),
 
         kernelCase<&Misc::MemMean8>({source(1), count()}),
         kernelCase<&Misc::MemMeanOp3>({source(1), lower(), upper(), count()}),

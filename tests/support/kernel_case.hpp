@@ -178,6 +178,7 @@ struct KernelCase {
     std::vector<Argument> arguments;
     std::vector<SharedRows> shared; // the ways in which rows may coincide, besides not at all
     bool asksForPopcnt = false;
+    bool timedOnEqualRows = false;
     std::string variant;
 
     // Sources that the first argument, the destination, may be identical to.
@@ -196,6 +197,12 @@ struct KernelCase {
     KernelCase &readsPopcnt()
     {
         asksForPopcnt = true;
+        return *this;
+    }
+    // The kernel is done where its sources differ: the bench gives it equal ones.
+    KernelCase &endsAtDifference()
+    {
+        timedOnEqualRows = true;
         return *this;
     }
     // Tells the further cases of one slot apart, whose extents hold for other parameters.

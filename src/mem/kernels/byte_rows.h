@@ -10,17 +10,16 @@ uint64_t MemCompare8(const uint8_t *a, const uint8_t *b, uint64_t count)
     const auto equalAt = [a, b](ptrdiff_t i) { return equal(load<u8s>(a + i), load<u8s>(b + i)); };
     const auto first = [](u8s equals) { return (uint64_t)__builtin_ctz(~topBits(equals)); };
     const auto isAll = [](u8s equals) { return topBits(equals) == allTopBits; };
+    if (!n || *a != *b) // rows that differ mostly do so at once
+        return 0;
     if (n < size) {
-        if (!n)
-            return 0;
         const u8s equals = equal(loadFirst<u8s>(a, n), loadFirst<u8s>(b, n));
         return isAll(equals) ? count : first(equals);
     }
     ptrdiff_t i = 0;
-    if (isAll(equalAt(0))) // rows that differ mostly do so at once
-        while (i <= n - 4 * size &&
-               isAll((equalAt(i) & equalAt(i + size)) & (equalAt(i + 2 * size) & equalAt(i + 3 * size))))
-            i += 4 * size;
+    while (i <= n - 4 * size &&
+           isAll((equalAt(i) & equalAt(i + size)) & (equalAt(i + 2 * size) & equalAt(i + 3 * size))))
+        i += 4 * size;
     for (; i < n; i += size) {
         const ptrdiff_t at = i <= n - size ? i : n - size;
         const u8s equals = equalAt(at);

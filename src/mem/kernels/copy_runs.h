@@ -8,13 +8,22 @@ namespace {
 template <class Move>
 inline void forRuns(uint8_t *dst, const uint8_t *src, int64_t dstStride, int64_t srcStride, uint64_t rows, Move move)
 {
-    for (;;) {
-        move(dst, src);
-        if (--rows == 0)
-            return;
+    move(dst, src);
+#pragma GCC unroll 4
+    for (uint64_t r = 1; r < rows; ++r) {
         dst += dstStride;
         src += srcStride;
+        move(dst, src);
     }
+}
+
+// More than count - 1 registers and at most count, as if through a buffer.
+template <int count> inline void moveRegisters(uint8_t *dst, const uint8_t *src, ptrdiff_t n)
+{
+    const Block<count - 1> first = loadBlock<count - 1>(src);
+    const Block<1> last = loadBlock<1>(src + n - last.size);
+    first.storeTo(dst);
+    last.storeTo(dst + n - last.size);
 }
 
 // The length of a run chooses the loop once, not in every row.
@@ -40,6 +49,12 @@ inline void moveRuns(uint8_t *dst, const uint8_t *src, int64_t dstStride, int64_
         run([=](uint8_t *to, const uint8_t *from) { moveEnds<uint64_t>(to, from, runBytes); });
     else if (runBytes <= 32)
         run([=](uint8_t *to, const uint8_t *from) { moveEnds<__m128i>(to, from, runBytes); });
+    else if (runBytes <= 4 * (ptrdiff_t)sizeof(u8s))
+        run([=](uint8_t *to, const uint8_t *from) { moveBytes(to, from, runBytes); });
+    else if (runBytes <= 5 * (ptrdiff_t)sizeof(u8s))
+        run([=](uint8_t *to, const uint8_t *from) { moveRegisters<5>(to, from, runBytes); });
+    else if (runBytes <= 6 * (ptrdiff_t)sizeof(u8s))
+        run([=](uint8_t *to, const uint8_t *from) { moveRegisters<6>(to, from, runBytes); });
     else
         run([=](uint8_t *to, const uint8_t *from) { moveBytes(to, from, runBytes); });
 }

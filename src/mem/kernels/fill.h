@@ -111,17 +111,17 @@ inline void fillBytes(uint8_t *dst, uint64_t eight, ptrdiff_t n)
 
 void MemFill8(uint8_t *dst, uint8_t value, uint64_t count)
 {
-    fillBytes(dst, 0x0101010101010101 * value, (ptrdiff_t)count);
+    fillBytes(dst, 0x0101010101010101u * value, (ptrdiff_t)count);
 }
 
 void MemFill16(uint16_t *dst, uint16_t value, uint64_t count)
 {
-    fillBytes((uint8_t *)dst, 0x0001000100010001 * value, 2 * (ptrdiff_t)count);
+    fillBytes((uint8_t *)dst, 0x0001000100010001u * value, 2 * (ptrdiff_t)count);
 }
 
 void MemFill32(uint32_t *dst, uint32_t value, uint64_t count)
 {
-    fillBytes((uint8_t *)dst, 0x0000000100000001 * value, 4 * (ptrdiff_t)count);
+    fillBytes((uint8_t *)dst, 0x0000000100000001u * value, 4 * (ptrdiff_t)count);
 }
 
 void MemFill64(uint64_t *dst, uint64_t value, uint64_t count)
@@ -188,8 +188,11 @@ void MemFillTopByte32(uint32_t *dst, uint8_t value, int32_t count)
 {
     const u32s top = splat32((uint32_t)value << 24);
     const u32s kept = splat32(0x00FFFFFF);
+    const int whole = count > 0 ? count - count % u32s::lanes : 0;
     map<u32s>(
-        dst, count, [=](u32s x) { return (x & kept) | top; }, dst);
+        dst, whole, [=](u32s x) { return (x & kept) | top; }, dst);
+    for (ptrdiff_t i = whole; i < count; ++i)
+        ((uint8_t *)dst)[4 * i + 3] = value;
 }
 
 } // namespace

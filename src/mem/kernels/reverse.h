@@ -99,27 +99,39 @@ void MemReverseBytesInPlace(uint8_t *data, uint64_t count) { reverseInPlace<u8s>
 void MemReverse16InPlace(uint16_t *data, uint64_t count) { reverseInPlace<u16s>(data, count); }
 void MemReverse32InPlace(uint32_t *data, uint64_t count) { reverseInPlace<u32s>(data, count); }
 
+template <class Piece> inline void exchangePiece(uint8_t *a, uint8_t *b)
+{
+    const Piece x = loadPiece<Piece>(a);
+    const Piece y = loadPiece<Piece>(b);
+    memcpy(a, &y, sizeof(Piece));
+    memcpy(b, &x, sizeof(Piece));
+}
+
+// The ragged end goes in pieces that do not overlap: rows that are exchanged again at once are loaded as they were
+// stored.
 void MemExchange(uint8_t *a, uint8_t *b, uint64_t count)
 {
     constexpr ptrdiff_t size = sizeof(u8s);
     const ptrdiff_t n = (ptrdiff_t)count;
-    if (n >= size) {
-        // The last registers, read before the one ahead of them is exchanged.
-        const u8s lastA = load<u8s>(a + n - size);
-        const u8s lastB = load<u8s>(b + n - size);
+    ptrdiff_t i = 0;
 #pragma GCC unroll 4
-        for (ptrdiff_t i = 0; i < n - size; i += size) {
-            const u8s x = load<u8s>(a + i);
-            store(a + i, load<u8s>(b + i));
-            store(b + i, x);
-        }
-        store(a + n - size, lastB);
-        store(b + n - size, lastA);
-    } else if (n > 0) {
-        const u8s x = loadEnds<u8s>(a, n);
-        storeEnds(a, loadEnds<u8s>(b, n), n);
-        storeEnds(b, x, n);
+    for (; i <= n - size; i += size) {
+        const u8s x = load<u8s>(a + i);
+        store(a + i, load<u8s>(b + i));
+        store(b + i, x);
     }
+    const auto piece = [&](auto type) {
+        if ((n - i) & (ptrdiff_t)sizeof(type)) {
+            exchangePiece<decltype(type)>(a + i, b + i);
+            i += (ptrdiff_t)sizeof(type);
+        }
+    };
+    if (size > 16)
+        piece(__m128i());
+    piece(uint64_t());
+    piece(uint32_t());
+    piece(uint16_t());
+    piece(uint8_t());
 }
 
 } // namespace

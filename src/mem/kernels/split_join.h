@@ -1,6 +1,8 @@
 // Between elements of two sizes, and between one row and two.
 #pragma once
 
+#include "mem/kernels/copy.h"
+
 namespace {
 
 // --- Narrower ------------------------------------------------------------------------------------------------
@@ -31,12 +33,18 @@ void MemNarrow16To8Shift2(uint8_t *dst, const uint16_t *src, uint64_t count)
 void MemPack24(uint8_t *dst, const uint32_t *src, uint64_t count)
 {
     constexpr int size = sizeof(u32s);
+    const auto pixel = [](uint8_t *to, const uint8_t *from) {
+        moveWhole<uint16_t>(to, from);
+        to[2] = from[2];
+    };
     const auto one = [](uint8_t *to, const uint8_t *from) { storePixels24(to, load<u32s>(from)); };
     const auto four = [](uint8_t *to, const uint8_t *from) {
         storePixels24(to, load<u32s>(from), load<u32s>(from + size), load<u32s>(from + 2 * size),
                       load<u32s>(from + 3 * size));
     };
-    if (count < 4 * u32s::lanes)
+    if (count < u32s::lanes)
+        forBlocks<1>((ptrdiff_t)count, pixel, Out<3>{dst}, In<4>{src});
+    else if (count < 4 * u32s::lanes)
         forBlocks<u32s::lanes>((ptrdiff_t)count, one, Out<3>{dst}, In<4>{src});
     else
         forBlocks<4 * u32s::lanes>((ptrdiff_t)count, four, Out<3>{dst}, In<4>{src});
@@ -58,39 +66,30 @@ template <class Wide, bool upper, class Narrow> inline Pair<Wide> widenInto(Narr
                  : Pair<Wide>{as<Wide>(interleaveLow(x, none)), as<Wide>(interleaveHigh(x, none))};
 }
 
-// kept: the bits of the wide elements that stay. As in map, the last block is read before the one ahead of it is
-// written.
+// kept: the bits of the wide elements that stay. What is less than half a register at the end needs no reading of the
+// destination: a row that is written again at once would load what overlapping stores have left, and wait.
 template <class Narrow, bool upper, class Wide>
 inline void insert(void *dst, const void *src, uint64_t count, Wide kept)
 {
     constexpr ptrdiff_t size = sizeof(Narrow);
-    const ptrdiff_t n = (ptrdiff_t)count * (size / Narrow::lanes); // bytes of the source
+    constexpr ptrdiff_t unit = size / Narrow::lanes;
+    const ptrdiff_t n = (ptrdiff_t)count * unit;
     uint8_t *const to = (uint8_t *)dst;
     const uint8_t *const from = (const uint8_t *)src;
-    const auto merge = [=](ptrdiff_t low, ptrdiff_t high, Narrow x) {
-        const Pair<Wide> wide = widenInto<Wide, upper>(x);
-        return Pair<Wide>{(load<Wide>(to + low) & kept) | wide.low, (load<Wide>(to + high) & kept) | wide.high};
-    };
-    const auto put = [=](ptrdiff_t low, ptrdiff_t high, Pair<Wide> x) {
-        store(to + low, x.low);
-        store(to + high, x.high);
-    };
-    if (n >= size) {
-        const ptrdiff_t end = n - size;
-        const Pair<Wide> last = merge(2 * end, 2 * end + size, load<Narrow>(from + end));
+    const auto merge = [=](uint8_t *at, Wide x) { store(at, (load<Wide>(at) & kept) | x); };
+    ptrdiff_t i = 0;
 #pragma GCC unroll 2
-        for (ptrdiff_t i = 0; i < end; i += size)
-            put(2 * i, 2 * i + size, merge(2 * i, 2 * i + size, load<Narrow>(from + i)));
-        put(2 * end, 2 * end + size, last);
-    } else if (n >= size / 2) { // half a register from either end
-        const ptrdiff_t end = 2 * n - size;
-        put(0, end, merge(0, end, loadEnds<Narrow>(from, n)));
-    } else if (n >= 2) {
-        const Wide x = widenInto<Wide, upper>(loadEnds<Narrow>(from, n)).low;
-        storeEnds(to, (loadEnds<Wide>(to, 2 * n) & kept) | x, 2 * n);
-    } else if (n == 1) {
-        to[upper] = *from;
+    for (; i <= n - size; i += size) {
+        const Pair<Wide> x = widenInto<Wide, upper>(load<Narrow>(from + i));
+        merge(to + 2 * i, x.low);
+        merge(to + 2 * i + size, x.high);
     }
+    if (n - i >= size / 2) {
+        merge(to + 2 * i, widenInto<Wide, upper>(loadEnds<Narrow>(from + i, size / 2)).low);
+        i += size / 2;
+    }
+    for (; i < n; i += unit)
+        memcpy(to + 2 * i + (upper ? unit : 0), from + i, unit);
 }
 
 void MemInsertLow8(uint16_t *dst, const uint8_t *src, uint64_t count)
@@ -125,26 +124,42 @@ void MemInsertHigh32(uint64_t *dst, const uint32_t *src, uint64_t count)
 
 // --- One row and two -----------------------------------------------------------------------------------------
 
+// Rows shorter than a register are sooner done one by one than in a block on the stack.
+
 void MemPackOp25(uint32_t *dst, const uint32_t *a, const uint32_t *b, uint64_t count)
 {
+    const auto one = [](uint8_t *to, const uint8_t *fromA, const uint8_t *fromB) {
+        moveWhole<uint32_t>(to, fromA);
+        moveWhole<uint32_t>(to + 4, fromB);
+    };
     const auto step = [](uint8_t *to, const uint8_t *fromA, const uint8_t *fromB) {
         const u32s x = load<u32s>(fromA);
         const u32s y = load<u32s>(fromB);
         store(to, interleaveLow(x, y));
         store(to + sizeof(u32s), interleaveHigh(x, y));
     };
-    forBlocks<u32s::lanes>((ptrdiff_t)count, step, Out<8>{dst}, In<4>{a}, In<4>{b});
+    if (count < u32s::lanes)
+        forBlocks<1>((ptrdiff_t)count, one, Out<8>{dst}, In<4>{a}, In<4>{b});
+    else
+        forBlocks<u32s::lanes>((ptrdiff_t)count, step, Out<8>{dst}, In<4>{a}, In<4>{b});
 }
 
 void MemDeinterleave32(uint32_t *dst0, uint32_t *dst1, const uint32_t *src, uint64_t count)
 {
+    const auto one = [](uint8_t *to0, uint8_t *to1, const uint8_t *from) {
+        moveWhole<uint32_t>(to0, from);
+        moveWhole<uint32_t>(to1, from + 4);
+    };
     const auto step = [](uint8_t *to0, uint8_t *to1, const uint8_t *from) {
         const u32s x = load<u32s>(from);
         const u32s y = load<u32s>(from + sizeof(u32s));
         store(to0, evens(x, y));
         store(to1, odds(x, y));
     };
-    forBlocks<u32s::lanes>((ptrdiff_t)count, step, Out<4>{dst0}, Out<4>{dst1}, In<8>{src});
+    if (count < u32s::lanes)
+        forBlocks<1>((ptrdiff_t)count, one, Out<4>{dst0}, Out<4>{dst1}, In<8>{src});
+    else
+        forBlocks<u32s::lanes>((ptrdiff_t)count, step, Out<4>{dst0}, Out<4>{dst1}, In<8>{src});
 }
 
 } // namespace
