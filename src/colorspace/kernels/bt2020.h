@@ -27,17 +27,17 @@ template <class Target, class Source> struct RgbToYuv2020 {
     static constexpr int kb = 972;
     static_assert(kr + kg + kb == 16384); // white is 255: luma needs no limit
 
-    VELA_FUSED static i32s lumaOf(Terms terms)
+    // Twice the luma, not rounded yet.
+    VELA_FUSED static i32s doubleLuma(Terms terms)
     {
         const i16s outer = blueFirst ? splatPair(kb, kr) : splatPair(kr, kb);
-        const i32s sum = multiplyAddPairs(terms.outer, outer) + multiplyAddPairs(terms.middle, splatPair(kg, 0));
-        return shiftRight<14>(sum + splatI32(8192));
+        return shiftRight<13>(multiplyAddPairs(terms.outer, outer) + multiplyAddPairs(terms.middle, splatPair(kg, 0)));
     }
     VELA_FUSED static Form load(ConstLine line)
     {
         const Terms low = Source::loadTerms(line, 0);
         const Terms high = Source::loadTerms(line, 1);
-        const u16s luma = as<u16s>(narrow(lumaOf(low), lumaOf(high)));
+        const u16s luma = average(as<u16s>(narrow(doubleLuma(low), doubleLuma(high))), zero<u16s>());
         const u16s outer = as<u16s>(::evens(as<u32s>(low.outer), as<u32s>(high.outer)));
         const u16s blueAndRed = blueFirst ? outer : swapPairs(outer);
         return {luma, as<i16s>(blueAndRed - orderFours<0, 0, 2, 2>(luma))};
@@ -48,7 +48,7 @@ template <class Target, class Source> struct RgbToYuv2020 {
     VELA_FUSED u16s chroma(i16s differences) const
     {
         const i16s eighths = scaledBySign(differences, splatPair(8444, 9534), splatPair(10359, 16490));
-        return as<u16s>(shiftRight<3>(eighths + splatI16(4)) + splatI16(128));
+        return as<u16s>(shiftRight<3>(eighths + splatI16(128 * 8 + 4))); // the centre, and half of the last place
     }
 };
 
