@@ -132,6 +132,8 @@ private:
         if (argument.largest) // top bytes small enough for any limit that a case sets
             for (std::size_t at = 1; at < row.size(); at += 2)
                 row[at] &= 3;
+        if (!argument.contents.empty())
+            std::copy(argument.contents.back().begin(), argument.contents.back().end(), start);
         return start;
     }
 

@@ -18,6 +18,7 @@ struct TierDescription {
 
 // Every tier, best last.
 inline constexpr std::array tiers = {
+    TierDescription{VCB_TIERS_PLAIN, VCB_CPU_SSE2, "plain"},
     TierDescription{VCB_TIERS_SSE2, VCB_CPU_SSE2, "SSE2"},
     TierDescription{VCB_TIERS_SSSE3, VCB_CPU_SSSE3, "SSSE3"},
     TierDescription{VCB_TIERS_AVX, VCB_CPU_AVX, "AVX"},

@@ -67,6 +67,7 @@ typedef enum VcbTiers {
     VCB_TIERS_SSSE3 = 1 << 1,
     VCB_TIERS_AVX = 1 << 2,
     VCB_TIERS_AVX2 = 1 << 3,
+    VCB_TIERS_PLAIN = 1 << 4, /* no kernel: plain code, the same wherever kernels run */
     VCB_TIERS_SSE2_SSSE3 = VCB_TIERS_SSE2 | VCB_TIERS_SSSE3,
     VCB_TIERS_SSE2_AVX = VCB_TIERS_SSE2 | VCB_TIERS_AVX,
     VCB_TIERS_SSE2_AVX2 = VCB_TIERS_SSE2 | VCB_TIERS_AVX2,
@@ -79,6 +80,7 @@ typedef struct VcbSlotInfo {
     int32_t tiers; /* VcbTiers: the instruction sets that have a kernel of their own */
     const char *name;
     const char *signature; /* "void (uint8_t *dst, ...)" */
+    const char *kernel;    /* the name, unless other slots hold the same kernel: then one name for all of them */
 } VcbSlotInfo;
 
 #if defined(__cplusplus)

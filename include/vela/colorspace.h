@@ -3,6 +3,7 @@
 #define VELA_COLORSPACE_H
 
 #include <vela/base.h>
+#include <vela/color_coefficients.h>
 
 #if defined(__cplusplus)
 extern "C" {

@@ -126,7 +126,7 @@ struct Math3D {
     }
 };
 
-// The slot list of a sub-table type as data: number, name, tiers, signature. Reserved slots are not listed.
+// The slot list of a sub-table type as data: number, name, tiers, signature, kernel. Reserved slots are not listed.
 template <class SubTable> std::span<const VcbSlotInfo> slotInfo();
 
 #define FAMILY(id, tables, registerExport, description)

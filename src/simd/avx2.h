@@ -442,6 +442,9 @@ inline f64s smaller(f64s a, f64s b) { return {_mm256_min_pd(a.v, b.v)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OS)}; }
 
+// To 12 bits, processors differ; infinity for 0.
+inline f32s approximateReciprocal(f32s x) { return {_mm256_rcp_ps(x.v)}; }
+
 inline f32s signBits(f32s x) { return x & splatF32(-0.0f); }
 inline f64s signBits(f64s x) { return x & splatF64(-0.0); }
 inline f32s magnitude(f32s x) { return without(x, splatF32(-0.0f)); }

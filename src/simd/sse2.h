@@ -3,6 +3,8 @@
 
 #include "simd/vectors128.h"
 
+#include "simd/pixels128.h"
+
 namespace {
 
 // One 3-byte pixel per lane, its top byte 0. Reads 3 bytes a lane, no more.

@@ -3,6 +3,8 @@
 
 #include "simd/vectors128.h"
 
+#include "simd/pixels128.h"
+
 #include <tmmintrin.h>
 
 namespace {

@@ -14,6 +14,11 @@
 namespace vela::test {
 namespace {
 
+struct Gain {
+    int32_t factor;
+    uint8_t offsets[3];
+};
+
 // A sub-table of our own, one slot for each thing that a signature may ask of the check.
 struct Table {
     void(VCB_CALL *average)(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count);
@@ -27,6 +32,9 @@ struct Table {
     void(VCB_CALL *lookUp)(uint32_t *dst, const uint8_t *indices, const uint32_t *table, int32_t count);
     uint64_t(VCB_CALL *countBelow)(const uint8_t *src, uint32_t threshold, uint64_t count);
     void(VCB_CALL *mix)(uint8_t *dst, const uint8_t *const *src, const float *weights, int32_t inputs, uint64_t count);
+    void(VCB_CALL *gainLines)(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
+                              const Gain *gain);
+    int16_t *(VCB_CALL *widen)(int16_t *dst, const uint8_t *src, int32_t count);
 };
 
 // Rows need no alignment.
@@ -333,6 +341,69 @@ void writesBeforeItReads(uint8_t *dst, const uint8_t *const *src, const float *w
     mix(dst, src, weights, inputs, count);
 }
 
+uint8_t gained(uint8_t x, const Gain &gain) { return static_cast<uint8_t>(x * gain.factor + gain.offsets[2]); }
+
+void gainLines(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count, const Gain *gain)
+{
+    const Gain own = at(gain, 0);
+    for (int32_t i = 0; i < count; ++i) {
+        const uint8_t upper = gained(src0[i], own);
+        const uint8_t lower = gained(src1[i], own);
+        dst0[i] = upper;
+        dst1[i] = lower;
+    }
+}
+
+void ignoresAnOffset(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
+                     const Gain *gain)
+{
+    Gain own = at(gain, 0);
+    own.offsets[2] = 0;
+    gainLines(dst0, dst1, src0, src1, count, &own);
+}
+
+void readsBehindTheBlock(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
+                         const Gain *gain)
+{
+    sink = reinterpret_cast<const uint8_t *>(gain)[sizeof(Gain)];
+    gainLines(dst0, dst1, src0, src1, count, gain);
+}
+
+// Correct unless the second line is the first: adds to what it finds there.
+void addsUpTheLines(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
+                    const Gain *gain)
+{
+    for (int32_t i = 0; i < count; ++i)
+        dst1[i] = 0;
+    gainLines(dst0, dst0, src0, src0, count, gain);
+    for (int32_t i = 0; i < count; ++i)
+        dst1[i] = static_cast<uint8_t>(dst1[i] + gained(src1[i], at(gain, 0)));
+}
+
+// Correct unless the second line alone stays where it is.
+void clearsTheSecondLine(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
+                         const Gain *gain)
+{
+    if (dst0 != dst1)
+        for (int32_t i = 0; i < count; ++i)
+            dst1[i] = 0;
+    gainLines(dst0, dst1, src0, src1, count, gain);
+}
+
+int16_t *widen(int16_t *dst, const uint8_t *src, int32_t count)
+{
+    int32_t i = 0;
+    for (; i < count; ++i)
+        put(dst, static_cast<uint64_t>(i), static_cast<int16_t>(src[i]));
+    return dst + i;
+}
+
+int16_t *returnsTheStart(int16_t *dst, const uint8_t *src, int32_t count)
+{
+    widen(dst, src, count);
+    return dst;
+}
+
 KernelCase averageCase()
 {
     return kernelCase<&Table::average>({destination(1), source(1), source(1), count()}).mayEqual({1, 2});
@@ -370,6 +441,17 @@ KernelCase mixCase()
         .mayEqual({1});
 }
 
+KernelCase gainLinesCase()
+{
+    const Argument gain = blocks<Gain>({{2, {0, 0, 3}}, {3, {1, 2, 0}}});
+    return kernelCase<&Table::gainLines>({destination(1), destination(1), source(1), source(1), count(), gain})
+        .mayShare({{1, 0}, {3, 2}})
+        .mayShare({{0, 2}, {1, 3}})
+        .mayShare({{0, 2}, {1, 0}, {3, 2}});
+}
+
+KernelCase widenCase() { return kernelCase<&Table::widen>({destination(2), source(1), count()}); }
+
 template <class Function> VcbKernel untyped(Function *function) { return reinterpret_cast<VcbKernel>(function); }
 
 TEST(KernelCheck, AcceptsCorrectKernels)
@@ -391,6 +473,8 @@ TEST(KernelCheck, AcceptsCorrectKernels)
         {lookUpCase(), untyped(lookUp), untyped(lookUp)},
         {countBelowCase(), untyped(countBelow), untyped(countBelow)},
         {mixCase(), untyped(mix), untyped(mix)},
+        {gainLinesCase(), untyped(gainLines), untyped(gainLines)},
+        {widenCase(), untyped(widen), untyped(widen)},
     };
     for (const auto &c : correct) {
         for (const bool quick : {false, true}) {
@@ -451,6 +535,12 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
         {"leaves out the fifth row", mixCase(), untyped(leavesOutTheFifth), untyped(mix), Fault::wrongResult},
         {"changes a row", mixCase(), untyped(changesARow), untyped(mix), Fault::changedSource},
         {"writes before it reads", mixCase(), untyped(writesBeforeItReads), untyped(mix), Fault::wrongResult},
+        {"ignores an offset", gainLinesCase(), untyped(ignoresAnOffset), untyped(gainLines), Fault::wrongResult},
+        {"reads behind the block", gainLinesCase(), untyped(readsBehindTheBlock), untyped(gainLines), Fault::crash},
+        {"adds up the lines", gainLinesCase(), untyped(addsUpTheLines), untyped(gainLines), Fault::wrongResult},
+        {"clears the second line", gainLinesCase(), untyped(clearsTheSecondLine), untyped(gainLines),
+         Fault::wrongResult},
+        {"returns the start", widenCase(), untyped(returnsTheStart), untyped(widen), Fault::wrongReturn},
     };
     for (const auto &f : faulty) {
         for (const std::uint64_t seed : {1u, 2u, 3u}) {
@@ -508,6 +598,10 @@ TEST(KernelCheck, RefusesCasesThatContradictTheSignature)
         kernelCase<&Table::mix>(
             {destination(1), sourceRows(1, 4), sourcePerInput(4, 3), numbers<int32_t>({1}), count()}),
         kernelCase<&Table::mix>({destination(1), source(1), sourcePerInput(4, 3), numbers<int32_t>({1}), count()}),
+        gainLinesCase().mayShare({{2, 0}}),
+        gainLinesCase().mayShare({{2, 5}}),
+        kernelCase<&Table::gainLines>(
+            {destination(1), destination(1), source(1), source(1), count(), blocks<int32_t>({1})}),
     };
     for (const KernelCase &c : wrong) {
         EXPECT_NE(contradiction(c), std::nullopt) << "case " << &c - wrong;

@@ -15,7 +15,10 @@ Extent constant(std::int64_t bytes)
     return [bytes](std::int64_t) { return bytes; };
 }
 
-Argument argumentOf(Argument::Kind kind) { return {.kind = kind, .bytes = {}, .items = {}, .values = {}, .type = {}}; }
+Argument argumentOf(Argument::Kind kind)
+{
+    return {.kind = kind, .bytes = {}, .items = {}, .values = {}, .type = {}, .contents = {}};
+}
 
 Argument row(Argument::Kind kind, Extent bytes)
 {
@@ -30,7 +33,8 @@ bool agrees(const Argument &argument, const Parameter &parameter)
     case Argument::Kind::destination:
         return parameter.kind == Parameter::Kind::row;
     case Argument::Kind::source:
-        return parameter.kind == Parameter::Kind::constRow;
+        return parameter.kind == Parameter::Kind::constRow &&
+               (argument.contents.empty() || argument.contents[0].size() == parameter.size);
     case Argument::Kind::sourceRows:
         return parameter.kind == Parameter::Kind::constRows;
     case Argument::Kind::count:
@@ -53,6 +57,22 @@ bool sameLength(const Argument &a, const Argument &b)
     return !a.before && !a.after && !b.before && !b.after;
 }
 
+bool mayCoincide(const std::vector<Argument> &arguments, std::size_t one, std::size_t other)
+{
+    using Kind = Argument::Kind;
+    if (one >= arguments.size() || other >= arguments.size() || one == other)
+        return false;
+    const Argument &a = arguments[one];
+    const Argument &b = arguments[other];
+    if (a.items || (b.items && b.kind != Kind::sourceRows))
+        return false;
+    const bool rightKinds =
+        a.kind == Kind::destination
+            ? b.kind == Kind::destination || b.kind == Kind::source || b.kind == Kind::sourceRows
+            : a.kind == Kind::source && b.kind == Kind::source && a.contents.empty() && b.contents.empty();
+    return rightKinds && sameLength(a, b);
+}
+
 } // namespace
 
 Argument destination(std::int64_t bytesPerUnit) { return destination(linear(bytesPerUnit)); }
@@ -72,6 +92,14 @@ Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest)
 {
     Argument argument = paddedSource(std::move(bytes), padding, padding);
     argument.largest = largest;
+    return argument;
+}
+
+Argument block(std::vector<std::vector<std::uint8_t>> contents)
+{
+    Argument argument = argumentOf(Argument::Kind::source);
+    argument.bytes = constant(static_cast<std::int64_t>(contents.at(0).size()));
+    argument.contents = std::move(contents);
     return argument;
 }
 
@@ -123,13 +151,11 @@ std::optional<std::string> contradiction(const KernelCase &kernelCase)
                       kernelCase.parameters[*items].element != Element::integer))
             return here + " is counted by an argument that is no number";
     }
-    for (const std::size_t i : kernelCase.inPlace) {
-        const bool isRow = i > 0 && i < arguments.size() && arguments[0].kind == Argument::Kind::destination &&
-                           (arguments[i].kind == Argument::Kind::sourceRows ||
-                            (arguments[i].kind == Argument::Kind::source && !arguments[i].items));
-        if (!isRow || !sameLength(arguments[0], arguments[i]))
-            return "argument " + std::to_string(i) + " is no row as long as the destination, which may equal it";
-    }
+    for (const SharedRows &rows : kernelCase.shared)
+        for (const auto &[one, other] : rows)
+            if (!mayCoincide(arguments, one, other))
+                return "arguments " + std::to_string(one) + " and " + std::to_string(other) +
+                       " are no rows of one length that may coincide";
     return std::nullopt;
 }
 

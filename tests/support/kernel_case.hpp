@@ -114,6 +114,7 @@ struct Argument {
     std::optional<std::size_t> items; // the number argument that says how many rows, or how often `bytes`
     std::vector<Bits> values;         // number: the values to try
     std::optional<Parameter> type;    // number: their type, where it was given
+    std::vector<std::vector<std::uint8_t>> contents; // a row of prepared bytes: those to try
 };
 
 // Rows of so many bytes a unit of the count, or of any extent. A row does not exist at a count below 1.
@@ -125,6 +126,19 @@ Argument source(Extent bytes);
 // A row with neighbours that the kernel may read.
 Argument paddedSource(Extent bytes, std::int64_t before, std::int64_t after);
 Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest);
+
+// A structure that the kernel reads: one of these, at any address and at every count. The last one is the one that the
+// bench uses.
+Argument block(std::vector<std::vector<std::uint8_t>> contents);
+template <class T> Argument blocks(const std::vector<T> &values)
+{
+    std::vector<std::vector<std::uint8_t>> contents;
+    for (const T &value : values) {
+        const auto *bytes = reinterpret_cast<const std::uint8_t *>(&value);
+        contents.emplace_back(bytes, bytes + sizeof(T));
+    }
+    return block(std::move(contents));
+}
 
 // Rows whose length the count does not change: look-up tables, results of a group.
 Argument fixedSource(std::int64_t bytes);
@@ -151,21 +165,32 @@ template <class T> Argument numbers(const std::vector<T> &values)
     return argument;
 }
 
+// Arguments that are one row: the first of a pair lies where the second does. A destination may lie where a source does
+// or where another destination does, a source where another source does.
+using SharedRows = std::vector<std::pair<std::size_t, std::size_t>>;
+
 struct KernelCase {
     std::type_index table; // the sub-table's type
     std::size_t slot;
     Invoke invoke;
     std::vector<Parameter> parameters; // by the signature
-    Parameter result;                  // of size 0 if there is none
+    Parameter result;                  // of size 0 if there is none; a pointer is relative to the first argument
     std::vector<Argument> arguments;
-    std::vector<std::size_t> inPlace; // sources that the first argument, the destination, may be identical to
+    std::vector<SharedRows> shared; // the ways in which rows may coincide, besides not at all
     bool asksForPopcnt = false;
     bool timedOnEqualRows = false;
     std::string variant;
 
+    // Sources that the first argument, the destination, may be identical to.
     KernelCase &mayEqual(std::initializer_list<std::size_t> sources)
     {
-        inPlace = sources;
+        for (const std::size_t source : sources)
+            shared.push_back({{0, source}});
+        return *this;
+    }
+    KernelCase &mayShare(SharedRows rows)
+    {
+        shared.push_back(std::move(rows));
         return *this;
     }
     // The kernel reads g_CPUID.popcnt and must give the same result either way.
@@ -206,7 +231,7 @@ template <auto member> KernelCase kernelCase(std::vector<Argument> arguments)
                           .parameters = Signature<Function>::parameters(),
                           .result = Signature<Function>::result(),
                           .arguments = std::move(shapes),
-                          .inPlace = {},
+                          .shared = {},
                           .variant = {}};
     }(member, std::move(arguments));
 }

@@ -26,8 +26,8 @@ struct Trial {
     Side side;
     Fill fill;
     bool skewed;
-    std::size_t inPlace; // index of the source that the destination is identical to; 0: none
-    bool popcnt;         // what g_CPUID says
+    const SharedRows *shared; // rows that coincide
+    bool popcnt;              // what g_CPUID says
     std::uint64_t seed;
 };
 
@@ -98,7 +98,10 @@ public:
                 fillRow(start_, bytes_, type, random.next() & 1 ? Fill::random : trial.fill, random);
         } else {
             fillSpan(windowBegin_, start_ - before, trial.fill, random);
-            fillRow(start_ - before, whole, type, trial.fill, random);
+            if (argument.contents.empty())
+                fillRow(start_ - before, whole, type, trial.fill, random);
+            else
+                std::memcpy(start_, argument.contents[random.below(argument.contents.size())].data(), bytes);
             fillSpan(start_ + bytes + after, windowEnd_, trial.fill, random);
         }
         if (argument.largest)
@@ -229,13 +232,7 @@ public:
             if (isRow(case_.arguments[i]))
                 placeRows(i, trial, mine, theirs, random);
 
-        Row *shared = nullptr;
-        if (trial.inPlace && rows_[trial.inPlace].used) {
-            // The kernel's destination is its source; the oracle keeps them apart and its result must be the same.
-            shared = rows_[trial.inPlace].rows[random.below(rows_[trial.inPlace].used)].get();
-            mine[0] = toBits(shared->start());
-            std::memcpy(rows_[0].rows[0]->copyStart(), shared->start(), shared->bytes());
-        }
+        const std::vector<InPlace> inPlace = shareRows(*trial.shared, mine, theirs, random);
 
         Bits mineReturned = 0;
         Bits theirsReturned = 0;
@@ -245,17 +242,21 @@ public:
                 return Finding{Fault::crash, describe(trial, mine)};
             theirsReturned = case_.invoke(oracle_, theirs.data());
         }
+        if (case_.result.kind == Parameter::Kind::row) {
+            mineReturned -= mine[0];
+            theirsReturned -= theirs[0];
+        }
         if (!sameResult(case_.result, mineReturned, theirsReturned))
             return Finding{Fault::wrongReturn, describe(trial, mine) + ": returned " +
                                                    valueText(mineReturned, case_.result) + ", expected " +
                                                    valueText(theirsReturned, case_.result)};
-        if (shared) {
-            // Put the oracle's result where the kernel's is expected: in the shared row.
-            Row &own = *rows_[0].rows[0];
-            std::memcpy(shared->copyStart(), own.copyStart(), own.bytes());
+        for (const auto &[destination, source] : inPlace) {
+            // Put the oracle's result where the kernel's is expected: in the source.
+            Row &own = *rows_[destination].rows[0];
+            std::memcpy(source->copyStart(), own.copyStart(), own.bytes());
             std::memcpy(own.copyStart(), own.start(), own.bytes());
         }
-        return compare(trial, mine, shared);
+        return compare(trial, mine, inPlace);
     }
 
 private:
@@ -266,6 +267,40 @@ private:
         std::size_t used = 0;
         std::vector<std::uint8_t *> oraclePointers;
     };
+
+    // A destination that lies in a source's row.
+    struct InPlace {
+        std::size_t destination;
+        Row *source;
+    };
+
+    // The kernel's destination may be its source; the oracle keeps them apart and its result must be the same. Rows of
+    // one direction that coincide do so for both.
+    std::vector<InPlace> shareRows(const SharedRows &shared, std::vector<Bits> &mine, std::vector<Bits> &theirs,
+                                   Random &random)
+    {
+        const auto sameDirection = [this](std::size_t one, std::size_t other) {
+            return (case_.arguments[one].kind == Argument::Kind::destination) ==
+                   (case_.arguments[other].kind == Argument::Kind::destination);
+        };
+        std::vector<InPlace> inPlace;
+        for (const auto &[one, other] : shared) {
+            if (sameDirection(one, other) || !rows_[other].used)
+                continue;
+            Row &source = *rows_[other].rows[random.below(rows_[other].used)];
+            mine[one] = toBits(source.start());
+            std::memcpy(rows_[one].rows[0]->copyStart(), source.start(), source.bytes());
+            inPlace.push_back({one, &source});
+        }
+        for (const auto &[one, other] : shared) {
+            if (!sameDirection(one, other))
+                continue;
+            mine[one] = mine[other];
+            theirs[one] = theirs[other];
+            rows_[one].used = 0;
+        }
+        return inPlace;
+    }
 
     std::size_t itemsIn(Bits value, std::size_t argument) const
     {
@@ -300,18 +335,24 @@ private:
         theirs[i] = toBits(rows.oraclePointers.data());
     }
 
-    std::optional<Finding> compare(const Trial &trial, const std::vector<Bits> &arguments, const Row *shared)
+    std::optional<Finding> compare(const Trial &trial, const std::vector<Bits> &arguments,
+                                   const std::vector<InPlace> &inPlace)
     {
         constexpr Parameter exact{.kind = Parameter::Kind::row, .element = Element::integer, .size = 1};
         for (std::size_t i = 0; i < rows_.size(); ++i) {
             for (std::size_t row = 0; row < rows_[i].used; ++row) {
                 Row &place = *rows_[i].rows[row];
-                const bool written = case_.arguments[i].kind == Argument::Kind::destination;
-                const Parameter &type = &place == shared ? case_.parameters[0] : written ? case_.parameters[i] : exact;
+                const auto writer = std::find_if(inPlace.begin(), inPlace.end(),
+                                                 [&](const InPlace &pair) { return pair.source == &place; });
+                const bool isSource = case_.arguments[i].kind != Argument::Kind::destination;
+                const bool written = !isSource || writer != inPlace.end();
+                const Parameter &type = !written   ? exact
+                                        : isSource ? case_.parameters[writer->destination]
+                                                   : case_.parameters[i];
                 const auto at = place.difference(type);
                 if (!at)
                     continue;
-                Fault fault = written || &place == shared ? Fault::wrongResult : Fault::changedSource;
+                Fault fault = written ? Fault::wrongResult : Fault::changedSource;
                 if (*at < 0 || *at >= static_cast<std::ptrdiff_t>(place.bytes()))
                     fault = Fault::wroteOutside;
                 std::ostringstream text;
@@ -334,8 +375,8 @@ private:
         text << "count " << trial.count << ", rows " << (trial.side == Side::after ? "end" : "start")
              << " at a guard page" << (trial.skewed ? ", skewed" : "") << ", fill "
              << fillNames[static_cast<int>(trial.fill)];
-        if (trial.inPlace)
-            text << ", destination = argument " << trial.inPlace;
+        for (const auto &[one, other] : *trial.shared)
+            text << ", argument " << one << " = argument " << other;
         if (case_.asksForPopcnt)
             text << (trial.popcnt ? ", with POPCNT" : ", without POPCNT");
         for (std::size_t i = 0; i < arguments.size(); ++i)
@@ -402,18 +443,18 @@ CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKerne
     CheckResult result;
     Random random(plan.seed);
     const std::vector<std::int64_t> longer = longCounts(random);
-    const bool returns = kernelCase.result.size != 0;
+    const bool returns = kernelCase.result.size != 0 && kernelCase.result.kind == Parameter::Kind::value;
     Checker checker(kernelCase, kernel, oracle,
                     returns ? overflowingCount : *std::max_element(longer.begin(), longer.end()));
 
-    std::vector<std::size_t> places{0};
-    places.insert(places.end(), kernelCase.inPlace.begin(), kernelCase.inPlace.end());
+    std::vector<SharedRows> places{{}};
+    places.insert(places.end(), kernelCase.shared.begin(), kernelCase.shared.end());
     const bool popcnt = detectedPopcnt();
 
-    const auto passes = [&](std::int64_t count, std::size_t inPlace, Side side, bool skewed, Fill fill) {
+    const auto passes = [&](std::int64_t count, const SharedRows &shared, Side side, bool skewed, Fill fill) {
         const bool says = popcnt && !(kernelCase.asksForPopcnt && random.below(2));
         ++result.runs;
-        result.finding = checker.run({count, side, fill, skewed, inPlace, says, random.next()});
+        result.finding = checker.run({count, side, fill, skewed, &shared, says, random.next()});
         return !result.finding;
     };
     // Every fill, anywhere.
@@ -421,19 +462,19 @@ CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKerne
         return std::all_of(std::begin(fills), std::end(fills), [&](Fill fill) {
             if (quick && fill != Fill::random && random.below(4))
                 return true;
-            const std::size_t inPlace = places[random.below(places.size())];
+            const SharedRows &shared = places[random.below(places.size())];
             const Side side = random.below(2) ? Side::after : Side::before;
-            return passes(count, inPlace, side, random.below(2), fill);
+            return passes(count, shared, side, random.below(2), fill);
         });
     };
     // Every fill, everywhere.
     const auto passesAtLength = [&](std::int64_t count) {
-        for (const std::size_t inPlace : places)
+        for (const SharedRows &shared : places)
             for (const Side side : {Side::after, Side::before})
                 for (const bool skewed : {false, true})
                     for (const Fill fill : fills)
                         if (!plan.quick || random.below(4) == 0 || (fill == Fill::random && !skewed))
-                            if (!passes(count, inPlace, side, skewed, fill))
+                            if (!passes(count, shared, side, skewed, fill))
                                 return false;
         return true;
     };

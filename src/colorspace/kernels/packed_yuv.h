@@ -5,7 +5,7 @@ namespace {
 
 // 32-bit words, lowest byte first in memory:
 //   YUYV pair  Y0 U Y1 V       UYVY pair  U Y0 V Y1       YUVA pixel  Y U V A
-struct Yuyv {
+struct YuyvWords {
     static constexpr int luma0 = 0;
     static constexpr int luma1 = 2;
     static constexpr int u = 1;
@@ -29,7 +29,7 @@ struct Yuyv {
     }
 };
 
-struct Uyvy {
+struct UyvyWords {
     static constexpr int luma0 = 1;
     static constexpr int luma1 = 3;
     static constexpr int u = 0;
@@ -99,17 +99,17 @@ template <class Order> inline void packFromYuva(uint8_t *dst, const uint8_t *src
 
 void ExpandYuyvToYuva(uint8_t *dst, const uint8_t *src, uint32_t width, uint8_t alpha)
 {
-    expandToYuva<Yuyv>(dst, src, width, alpha);
+    expandToYuva<YuyvWords>(dst, src, width, alpha);
 }
 
 void ExpandUyvyToYuva(uint8_t *dst, const uint8_t *src, uint32_t width, uint8_t alpha)
 {
-    expandToYuva<Uyvy>(dst, src, width, alpha);
+    expandToYuva<UyvyWords>(dst, src, width, alpha);
 }
 
-void PackYuvaToYuyv(uint8_t *dst, const uint8_t *src, uint32_t width) { packFromYuva<Yuyv>(dst, src, width); }
+void PackYuvaToYuyv(uint8_t *dst, const uint8_t *src, uint32_t width) { packFromYuva<YuyvWords>(dst, src, width); }
 
-void PackYuvaToUyvy(uint8_t *dst, const uint8_t *src, uint32_t width) { packFromYuva<Uyvy>(dst, src, width); }
+void PackYuvaToUyvy(uint8_t *dst, const uint8_t *src, uint32_t width) { packFromYuva<UyvyWords>(dst, src, width); }
 
 // Planar 16-bit 4:2:2 to packed bytes: the top byte of every sample. join(luma, chroma) makes the packed words of
 // the luma words and the interleaved chroma words. Ordinary stores: a row kernel's output is mostly read soon, and

@@ -154,6 +154,4 @@ void MemCopy(void *dst, const void *src, uint64_t bytes)
     moveBytes((uint8_t *)dst, (const uint8_t *)src, (ptrdiff_t)bytes);
 }
 
-constexpr auto MemMove = MemCopy; // one kernel in two slots
-
 } // namespace

@@ -22,11 +22,6 @@ void MemCopy(void *dst, const void *src, uint64_t bytes)
     copyRun(static_cast<uint8_t *>(dst), static_cast<const uint8_t *>(src), bytes);
 }
 
-void MemMove(void *dst, const void *src, uint64_t bytes)
-{
-    copyRun(static_cast<uint8_t *>(dst), static_cast<const uint8_t *>(src), bytes);
-}
-
 void MemCopyStrided(uint8_t *dst, const uint8_t *src, int64_t dstStride, int64_t srcStride, uint64_t runBytes,
                     uint64_t rows)
 {

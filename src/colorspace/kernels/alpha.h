@@ -1,0 +1,236 @@
+// Alpha: premultiplication, planes of alpha, pixels over a colour.
+#pragma once
+
+#include "colorspace/kernels/steps.h"
+
+namespace {
+
+// a * b / 255 or / 65535, to nearest.
+template <int depth> VELA_FUSED inline u16s scaled(u16s a, u16s b)
+{
+    const u16s products = as<u16s>(as<i16s>(a) * as<i16s>(b));
+    if constexpr (depth == 8) {
+        const u16s x = products + splat16(128);
+        return shiftRight<8>(x + shiftRight<8>(x));
+    } else {
+        // x = a * b + 32768, then (x + (x >> 16)) >> 16: of the second sum only the carry out of its low word counts.
+        const u16s low = products + splat16(32768);
+        const u16s high = multiplyHigh(a, b) + shiftRight<15>(products);
+        const i16s sign = splatI16(-32768);
+        const i16s carry = greater(as<i16s>(high) ^ sign, as<i16s>(low + high) ^ sign); // -1
+        return high - as<u16s>(carry);
+    }
+}
+template <int depth> VELA_FUSED inline Floats scaled(Floats a, Floats b) { return {a.low * b.low, a.high * b.high}; }
+
+// Steps of this file take pixels as they are.
+template <class Source> struct OnPixels {
+    using Samples = u16s;
+    using Arguments = List<>;
+    using Block = Pixels<Sample<Source::depths[0]>>;
+
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
+};
+
+template <class Target, class Source> struct Premultiply : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+
+    VELA_FUSED Block operator()(Block x) const
+    {
+        constexpr int bits = Source::depths[0];
+        return {{scaled<bits>(x.c[0], x.a), scaled<bits>(x.c[1], x.a), scaled<bits>(x.c[2], x.a)}, x.a};
+    }
+};
+
+// Division of colours by one alpha. With half a code added to the dividend, (largest * c + a / 2) / a is at least
+// 0.5 / a from any whole number, and one rounded reciprocal serves all colours: it misses by less than 0.01 / a. What is
+// too large is limited ahead of the conversion to integers; where a is 0 the result is masked.
+struct DivideBytes {
+    u16s half;
+    u16s isSome;
+    f32s low;
+    f32s high;
+
+    VELA_FUSED explicit DivideBytes(u16s a)
+        : half(shiftRight<1>(a)), isSome(as<u16s>(greater(as<i16s>(a), zero<i16s>())))
+    {
+        const Floats values = toFloats(a);
+        low = splatF32(1) / values.low;
+        high = splatF32(1) / values.high;
+    }
+    VELA_FUSED u16s operator()(u16s c) const
+    {
+        const Floats x = toFloats(as<u16s>(as<i16s>(c) * splatI16(255)) + half);
+        const f32s largest = splatF32(255);
+        const f32s more = splatF32(0.5f);
+        return as<u16s>(narrow(truncate(smaller((x.low + more) * low, largest)),
+                               truncate(smaller((x.high + more) * high, largest)))) &
+               isSome;
+    }
+};
+struct DivideWords {
+    u16s isNone;
+    Pair<f64s> halfLow;
+    Pair<f64s> halfHigh;
+    Pair<f64s> low;
+    Pair<f64s> high;
+
+    VELA_FUSED static Pair<f64s> plusHalf(u32s x)
+    {
+        const Pair<f64s> y = toDouble(as<i32s>(x));
+        return {y.low + splatF64(0.5), y.high + splatF64(0.5)};
+    }
+    VELA_FUSED static Pair<f64s> reciprocal(u32s x)
+    {
+        const Pair<f64s> y = toDouble(as<i32s>(x));
+        return {splatF64(1) / y.low, splatF64(1) / y.high};
+    }
+    VELA_FUSED explicit DivideWords(u16s a)
+        : isNone(equal(a, zero<u16s>())), halfLow(plusHalf(widenLow(shiftRight<1>(a)))),
+          halfHigh(plusHalf(widenHigh(shiftRight<1>(a)))), low(reciprocal(widenLow(a))), high(reciprocal(widenHigh(a)))
+    {
+    }
+    VELA_FUSED static i32s divide(u32s c, const Pair<f64s> &half, const Pair<f64s> &by)
+    {
+        const Pair<f64s> x = toDouble(as<i32s>(c));
+        const f64s largest = splatF64(65535);
+        return truncate(smaller((x.low * largest + half.low) * by.low, largest),
+                        smaller((x.high * largest + half.high) * by.high, largest));
+    }
+    VELA_FUSED u16s operator()(u16s c) const
+    {
+        return without(narrowWords(divide(widenLow(c), halfLow, low), divide(widenHigh(c), halfHigh, high)), isNone);
+    }
+};
+struct DivideFloats {
+    Floats a;
+
+    VELA_FUSED explicit DivideFloats(Floats alpha) : a(alpha) {}
+    VELA_FUSED static f32s divide(f32s c, f32s by) { return without(c / by, atLeast(splatF32(1.1920929e-7f), by)); }
+    VELA_FUSED Floats operator()(Floats c) const { return {divide(c.low, a.low), divide(c.high, a.high)}; }
+};
+
+template <class Target, class Source> struct Unpremultiply : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+    static constexpr int depth = Source::depths[0];
+    using Divide = Choose<depth == 8, DivideBytes, Choose<depth == 16, DivideWords, DivideFloats>>;
+
+    VELA_FUSED Block operator()(Block x) const
+    {
+        const Divide divided(x.a);
+        return {{divided(x.c[0]), divided(x.c[1]), divided(x.c[2])}, x.a};
+    }
+};
+
+// --- Another alpha -------------------------------------------------------------------------------------------
+
+VELA_FUSED inline u16s splatAlpha(uint8_t value) { return splat16(value); }
+VELA_FUSED inline u16s splatAlpha(uint16_t value) { return splat16(value); }
+VELA_FUSED inline Floats splatAlpha(float value) { return {splatF32(value), splatF32(value)}; }
+
+template <class Target, class Source> struct SetAlpha : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+    using Arguments = typename Target::Elements;
+    Sample<Source::depths[0]> alpha;
+
+    template <class Value> explicit SetAlpha(Value value) : alpha(splatAlpha(value)) {}
+    VELA_FUSED Block operator()(Block x) const { return {{x.c[0], x.c[1], x.c[2]}, alpha}; }
+};
+
+template <class Target, class Source> struct ScaleAlpha : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+    using Arguments = List<uint8_t>;
+    u16s scale;
+
+    explicit ScaleAlpha(uint8_t value) : scale(splat16(value)) {}
+    VELA_FUSED Block operator()(Block x) const { return {{x.c[0], x.c[1], x.c[2]}, scaled<8>(x.a, scale)}; }
+};
+
+template <class Target, class Source> struct ExtractAlpha : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+
+    VELA_FUSED Block operator()(Block x) const { return pixels(x.a, x.a, x.a, x.a); }
+};
+
+// Pixels, and a plane of alpha for them.
+struct PixelsAndAlpha {
+    Pixels<u16s> pixels;
+    u16s alpha;
+};
+template <class Layout> struct WithAlphaPlane : Layout {
+    using Elements = List<uint8_t, uint8_t>;
+    static constexpr RowShape rows[] = {Layout::rows[0], {1}};
+
+    template <class> VELA_FUSED static PixelsAndAlpha load(ConstLine line)
+    {
+        return {Layout::template load<u16s>(line), Memory<uint8_t>::load<u16s>(line[1])};
+    }
+};
+
+template <class Target, class Source> struct InsertAlpha : OnPixels<Source> {
+    VELA_FUSED Pixels<u16s> operator()(PixelsAndAlpha x) const
+    {
+        return {{x.pixels.c[0], x.pixels.c[1], x.pixels.c[2]}, x.alpha};
+    }
+};
+template <class Target, class Source> struct MultiplyAlpha : OnPixels<Source> {
+    VELA_FUSED Pixels<u16s> operator()(PixelsAndAlpha x) const
+    {
+        return {{x.pixels.c[0], x.pixels.c[1], x.pixels.c[2]}, scaled<8>(x.pixels.a, x.alpha)};
+    }
+};
+
+// --- Over a colour -------------------------------------------------------------------------------------------
+
+// The colour's bytes are in the order of the pixels.
+template <class Source> struct Background {
+    u16s c[3];
+
+    explicit Background(uint32_t bytes)
+    {
+        for (int i = 0; i < 3; ++i)
+            c[i] = splat16((uint16_t)((bytes >> 8 * Source::at[i]) & 0xFF));
+    }
+};
+
+template <class Target, class Source> struct Flatten : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+    using Arguments = List<uint32_t>;
+    Background<Source> background;
+
+    explicit Flatten(uint32_t colour) : background(colour) {}
+    VELA_FUSED Block operator()(Block x) const
+    {
+        const u16s opaque = splat16(255);
+        Block over;
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i) {
+            const i16s parts = as<i16s>(x.c[i]) * as<i16s>(x.a) +
+                               as<i16s>(background.c[i]) * as<i16s>(opaque - x.a); // at most 255 * 255
+            const u16s sum = as<u16s>(parts) + splat16(128);
+            over.c[i] = shiftRight<8>(sum + shiftRight<8>(sum));
+        }
+        over.a = opaque;
+        return over;
+    }
+};
+
+template <class Target, class Source> struct FlattenPremultiplied : OnPixels<Source> {
+    using typename OnPixels<Source>::Block;
+    using Arguments = List<uint32_t>;
+    Background<Source> background;
+
+    explicit FlattenPremultiplied(uint32_t colour) : background(colour) {}
+    VELA_FUSED Block operator()(Block x) const
+    {
+        const u16s opaque = splat16(255);
+        Block over;
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i)
+            over.c[i] = x.c[i] + scaled<8>(background.c[i], opaque - x.a); // the writer limits it
+        over.a = opaque;
+        return over;
+    }
+};
+
+} // namespace

@@ -1,0 +1,8 @@
+// The kernel of the declared conversions that convert nothing.
+#pragma once
+
+namespace {
+
+void CscNoOp() {}
+
+} // namespace

@@ -1,0 +1,527 @@
+// The steps between a reader and a writer: depths, and matrices between YUV and RGB.
+//
+// A step takes whole pixels, or luma and the chroma pairs of a subsampled source, and makes whole pixels of them; or luma
+// and pairs for a subsampled target. A matrix takes its source in the form that costs it least (load), and of that the
+// even pixels, or the mean of those of two lines, for subsampled chroma.
+#pragma once
+
+#include "colorspace/kernels/layouts.h"
+
+#include <vela/color_coefficients.h>
+
+namespace {
+
+// --- Alpha ---------------------------------------------------------------------------------------------------
+
+enum class AlphaFrom { nowhere, source, argument, opaque };
+
+template <class Target, class Source> constexpr AlphaFrom alphaFrom()
+{
+    constexpr int to = Target::depths[3];
+    if (to == 0)
+        return AlphaFrom::nowhere;
+    if (Source::depths[3] != 0)
+        return AlphaFrom::source;
+    return to == 8 || to == 16 ? AlphaFrom::argument : AlphaFrom::opaque;
+}
+
+// What a target without alpha gets.
+struct Anything {
+    template <class Samples> VELA_FUSED operator Samples() const { return Samples(); }
+};
+
+template <class Target, class Source, AlphaFrom from = alphaFrom<Target, Source>()> struct Alpha {
+    static constexpr int depth = Target::depths[3];
+    using Arguments = List<>;
+
+    template <class Samples> VELA_FUSED auto operator()(Samples carried) const
+    {
+        if constexpr (from == AlphaFrom::source)
+            return fullDepth<Source::depths[3], depth>(carried);
+        else if constexpr (from == AlphaFrom::nowhere)
+            return Anything();
+        else if constexpr (depth == 32)
+            return Floats{splatF32(1), splatF32(1)};
+        else
+            return splat16((uint16_t)largestCode(depth));
+    }
+};
+
+template <class Target, class Source> struct Alpha<Target, Source, AlphaFrom::argument> {
+    u16s alpha;
+    using Arguments = List<Choose<Target::depths[3] == 8, uint8_t, uint16_t>>;
+
+    explicit Alpha(uint16_t value) : alpha(splat16(value)) {}
+    template <class Samples> VELA_FUSED u16s operator()(Samples) const { return alpha; }
+};
+
+// --- Depths --------------------------------------------------------------------------------------------------
+
+// YUV to another depth, or only another layout.
+template <class Target, class Source> struct Video {
+    static constexpr bool inBytes = Target::inBytes && Source::inBytes;
+    using Samples = Choose<inBytes, u8s, u16s>;
+    using Arguments = typename Alpha<Target, Source>::Arguments;
+
+    Alpha<Target, Source> alpha;
+
+    template <class... Values> explicit Video(Values... values) : alpha(values...) {}
+
+    VELA_FUSED static Samples depth(Samples x) { return videoDepth<Source::depths[0], Target::depths[0]>(x); }
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<Samples>(line); }
+    VELA_FUSED Pixels<Samples> operator()(Pixels<Samples> x) const
+    {
+        if constexpr (inBytes)
+            return x;
+        else
+            return {{depth(x.c[0]), depth(x.c[1]), depth(x.c[2])}, alpha(x.a)};
+    }
+    VELA_FUSED Pixels<Samples> operator()(Samples y, ChromaPairs<Samples> c) const
+    {
+        return (*this)(pixels(y, pairEvens(c.even, c.odd), pairOdds(c.even, c.odd), y));
+    }
+    VELA_FUSED Samples luma(Samples y) const { return depth(y); }
+    VELA_FUSED Samples luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
+    VELA_FUSED static Samples evens(const Pixels<Samples> &x) { return pairEvens(x.c[1], x.c[2]); }
+    VELA_FUSED static Samples mean(Samples a, Samples b) { return average(a, b); }
+    VELA_FUSED Samples chroma(Samples pairs) const { return depth(pairs); }
+};
+
+// RGB, grey, alpha to another depth; floats among them.
+template <class Target, class Source> struct Full {
+    using Samples = u16s;
+    using Arguments = typename Alpha<Target, Source>::Arguments;
+
+    Alpha<Target, Source> alpha;
+
+    template <class... Values> explicit Full(Values... values) : alpha(values...) {}
+
+    template <int i, class Codes> VELA_FUSED static auto depth(Codes x)
+    {
+        return fullDepth<Source::depths[i], Target::depths[i]>(x);
+    }
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
+    template <class Codes> VELA_FUSED Pixels<Sample<Target::depths[0]>> operator()(Pixels<Codes> x) const
+    {
+        return {{depth<0>(x.c[0]), depth<1>(x.c[1]), depth<2>(x.c[2])}, alpha(x.a)};
+    }
+};
+
+// Floats limited to 0..1, alpha too.
+template <class Target, class Source> struct Clamp {
+    using Samples = u16s;
+    using Arguments = List<>;
+
+    VELA_FUSED static Pixels<Floats> load(ConstLine line) { return Source::template load<u16s>(line); }
+    VELA_FUSED Pixels<Floats> operator()(Pixels<Floats> x) const
+    {
+        return {{clampToUnit(x.c[0]), clampToUnit(x.c[1]), clampToUnit(x.c[2])}, clampToUnit(x.a)};
+    }
+};
+
+// Pixels in words of 32 bits to another order of their bytes or fields.
+template <class Target, class Source> struct Move {
+    using Samples = u8s; // four registers of words
+    using Arguments = typename Alpha<Target, Source>::Arguments;
+
+    u32s alpha;
+
+    Move() : alpha(splat32(Target::depths[3] == 2 ? 0xC0000000 : 0)) {}
+    explicit Move(uint8_t value) : alpha(splat32((uint32_t)value << 8 * Target::at[3])) {}
+
+    VELA_FUSED static PixelWords load(ConstLine line)
+    {
+        return {Source::loadWords(line[0], 0), Source::loadWords(line[0], 1), Source::loadWords(line[0], 2),
+                Source::loadWords(line[0], 3)};
+    }
+    VELA_FUSED PixelWords operator()(PixelWords x) const { return {moved(x.a), moved(x.b), moved(x.c), moved(x.d)}; }
+
+private:
+    static constexpr bool addsAlpha = Target::depths[3] != 0 && Source::depths[3] == 0;
+    static constexpr bool isBytes = Target::depths[0] == 8;
+
+    // The byte of the source that goes to place `to`; the bytes that belong to no component are anything, or 0 where
+    // alpha is added.
+    static constexpr int byteFor(int to)
+    {
+        for (int i = 0; i < 4; ++i)
+            if (Target::at[i] == to)
+                return Source::at[i] < 0 ? 3 : Source::at[i];
+        return to;
+    }
+    // The bits of the fields that move as far as component i does, at their new places; none if one before i does.
+    static constexpr int distance(int i) { return Target::at[i] - Source::at[i]; }
+    static constexpr bool moves(int i) { return Target::at[i] >= 0 && Source::at[i] >= 0; }
+    static constexpr uint32_t fieldsAlong(int i)
+    {
+        uint32_t mask = 0;
+        for (int k = 0; k < 4; ++k) {
+            if (!moves(i) || !moves(k) || distance(k) != distance(i))
+                continue;
+            if (k < i)
+                return 0;
+            mask |= (k == 3 ? 3u : 0x3FFu) << Target::at[k];
+        }
+        return mask;
+    }
+    template <int i> VELA_FUSED static u32s fields(u32s x)
+    {
+        if constexpr (fieldsAlong(i) == 0)
+            return zero<u32s>();
+        else if constexpr (distance(i) < 0)
+            return shiftRight<-distance(i)>(x) & splat32(fieldsAlong(i));
+        else
+            return shiftLeft<distance(i)>(x) & splat32(fieldsAlong(i));
+    }
+    VELA_FUSED u32s moved(u32s x) const
+    {
+        u32s y;
+        if constexpr (isBytes)
+            y = orderBytes<byteFor(0), byteFor(1), byteFor(2), byteFor(3)>(x);
+        else
+            y = fields<0>(x) | fields<1>(x) | fields<2>(x) | fields<3>(x);
+        if constexpr (addsAlpha)
+            y = y | alpha;
+        return y;
+    }
+};
+
+// --- Integer matrices ----------------------------------------------------------------------------------------
+
+// Every lane pair the words `even`, `odd`.
+inline i16s splatPair(int even, int odd)
+{
+    return as<i16s>(splat32((uint32_t)(uint16_t)even | (uint32_t)(uint16_t)odd << 16));
+}
+
+// A block read from any address, its offsets worked into the biases: modulo 2^32, in which the sums are exact.
+template <class Block> struct IntegerRows {
+    Block block;
+    i32s bias[3];
+    ShiftCount shift;
+
+    explicit IntegerRows(const Block *coef)
+    {
+        memcpy(&block, coef, sizeof(block));
+        for (int row = 0; row < 3; ++row) {
+            uint32_t sum = (uint32_t)block.qBias[row];
+            for (int i = 0; i < 3; ++i)
+                sum -= (uint32_t)(block.q[row][i] * block.qOff[i]);
+            bias[row] = splatI32((int32_t)sum);
+        }
+        shift = shiftCount(block.qShift);
+    }
+};
+
+template <class Target, class Source> struct IntegerToRgb {
+    static constexpr int from = Source::depths[0];
+    static constexpr int to = Target::depths[0];
+    using Samples = u16s;
+    using Arguments = Join<List<const CscYuvToRgb *>, typename Alpha<Target, Source>::Arguments>;
+
+    // The words of luma are multiplied in pairs, too: one of them by 0.
+    i16s chroma[3];
+    i16s evenLuma[3];
+    i16s oddLuma[3];
+    i32s bias[3];
+    ShiftCount shift;
+    Alpha<Target, Source> alpha;
+
+    template <class... Values>
+    explicit IntegerToRgb(const CscYuvToRgb *coef, Values... values) : alpha(values...)
+    {
+        const IntegerRows<CscYuvToRgb> rows(coef);
+        for (int row = 0; row < 3; ++row) {
+            chroma[row] = splatPair(rows.block.q[row][1], rows.block.q[row][2]);
+            evenLuma[row] = splatPair(rows.block.q[row][0], 0);
+            oddLuma[row] = splatPair(0, rows.block.q[row][0]);
+            bias[row] = rows.bias[row];
+        }
+        shift = rows.shift;
+    }
+
+    // 16 bits would not fit signed words.
+    VELA_FUSED static i16s operands(u16s x) { return as<i16s>(videoDepth<from, (from < 14 ? from : 14)>(x)); }
+
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
+    VELA_FUSED Pixels<u16s> operator()(u16s luma, ChromaPairs<u16s> c, u16s carriedAlpha) const
+    {
+        const i16s y = operands(luma);
+        const i16s even = operands(c.even);
+        const i16s odd = operands(c.odd);
+        Pixels<u16s> rgb;
+#pragma GCC unroll 3
+        for (int row = 0; row < 3; ++row) {
+            const i32s evens = multiplyAddPairs(even, chroma[row]) + multiplyAddPairs(y, evenLuma[row]) + bias[row];
+            const i32s odds = multiplyAddPairs(odd, chroma[row]) + multiplyAddPairs(y, oddLuma[row]) + bias[row];
+            rgb.c[row] = limited<to>(narrowPairs(shiftRight(evens, shift), shiftRight(odds, shift)));
+        }
+        rgb.a = alpha(carriedAlpha);
+        return rgb;
+    }
+    VELA_FUSED Pixels<u16s> operator()(u16s luma, ChromaPairs<u16s> c) const { return (*this)(luma, c, luma); }
+    VELA_FUSED Pixels<u16s> operator()(Pixels<u16s> x) const
+    {
+        return (*this)(x.c[0], {pairEvens(x.c[1], x.c[2]), pairOdds(x.c[1], x.c[2])}, x.a);
+    }
+};
+
+template <class Target, class Source> struct IntegerToYuv {
+    static constexpr int to = Target::depths[0];
+    using Samples = u16s;
+    using Arguments = Join<List<const CscRgbToYuv *>, typename Alpha<Target, Source>::Arguments>;
+
+    i16s outer[3];
+    i16s middle[3];
+    i32s bias[3];
+    ShiftCount shift;
+    Alpha<Target, Source> alpha;
+
+    template <class... Values> explicit IntegerToYuv(const CscRgbToYuv *coef, Values... values) : alpha(values...)
+    {
+        const IntegerRows<CscRgbToYuv> rows(coef);
+        for (int row = 0; row < 3; ++row) {
+            int16_t atPlace[4] = {};
+            for (int i = 0; i < 3; ++i)
+                atPlace[Source::placeOf(i)] = rows.block.q[row][i];
+            outer[row] = splatPair(atPlace[0], atPlace[2]);
+            middle[row] = splatPair(atPlace[1], atPlace[3]);
+            bias[row] = rows.bias[row];
+        }
+        shift = rows.shift;
+    }
+
+    struct Form {
+        Terms low;
+        Terms high;
+        u16s alpha;
+    };
+    VELA_FUSED static Form load(ConstLine line)
+    {
+        Form form = {Source::loadTerms(line, 0), Source::loadTerms(line, 1), {}};
+        if constexpr (alphaFrom<Target, Source>() == AlphaFrom::source)
+            form.alpha = Source::template load<u16s>(line).a;
+        return form;
+    }
+
+    template <int row> VELA_FUSED i32s sum(Terms terms) const
+    {
+        const i32s products = multiplyAddPairs(terms.outer, outer[row]) + multiplyAddPairs(terms.middle, middle[row]);
+        return shiftRight(products + bias[row], shift);
+    }
+    template <int row> VELA_FUSED u16s component(const Form &form) const
+    {
+        if constexpr (to == 16)
+            return narrowWords(sum<row>(form.low), sum<row>(form.high));
+        else
+            return limited<to>(narrow(sum<row>(form.low), sum<row>(form.high)));
+    }
+    VELA_FUSED u16s luma(const Form &form) const { return component<0>(form); }
+    VELA_FUSED Pixels<u16s> operator()(const Form &form) const
+    {
+        return {{component<0>(form), component<1>(form), component<2>(form)}, alpha(form.alpha)};
+    }
+
+    VELA_FUSED static i16s evens(i16s low, i16s high) { return as<i16s>(::evens(as<u32s>(low), as<u32s>(high))); }
+    VELA_FUSED static Terms evens(const Form &form)
+    {
+        return {evens(form.low.outer, form.high.outer), evens(form.low.middle, form.high.middle)};
+    }
+    VELA_FUSED static i16s mean(i16s a, i16s b) { return as<i16s>(average(as<u16s>(a), as<u16s>(b))); }
+    VELA_FUSED static Terms mean(Terms a, Terms b) { return {mean(a.outer, b.outer), mean(a.middle, b.middle)}; }
+    VELA_FUSED u16s chroma(Terms evenPixels) const
+    {
+        if constexpr (to == 16)
+            return narrowPairsUnsigned(sum<1>(evenPixels), sum<2>(evenPixels));
+        else
+            return limited<to>(narrowPairs(sum<1>(evenPixels), sum<2>(evenPixels)));
+    }
+};
+
+// --- Float matrices ------------------------------------------------------------------------------------------
+
+struct FloatRows {
+    f32s f[3][3];
+    f32s off[3];
+    f32s bias[3];
+
+    template <class Block> explicit FloatRows(const Block *coef)
+    {
+        Block block;
+        memcpy(&block, coef, sizeof(block));
+        for (int row = 0; row < 3; ++row) {
+            for (int i = 0; i < 3; ++i)
+                f[row][i] = splatF32(block.f[row][i]);
+            off[row] = splatF32(block.fOff[row]);
+            bias[row] = splatF32(block.fBias[row]);
+        }
+    }
+    template <int row> VELA_FUSED f32s operator()(const f32s (&x)[3]) const
+    {
+        return ((f[row][0] * x[0] + f[row][1] * x[1]) + f[row][2] * x[2]) + bias[row];
+    }
+};
+
+template <class Target, class Source> struct FloatToRgb {
+    static constexpr int to = Target::depths[0];
+    using Samples = u16s;
+    using Arguments = Join<List<const CscYuvToRgb *>, typename Alpha<Target, Source>::Arguments>;
+
+    FloatRows rows;
+    Alpha<Target, Source> alpha;
+
+    template <class... Values>
+    explicit FloatToRgb(const CscYuvToRgb *coef, Values... values) : rows(coef), alpha(values...)
+    {
+    }
+
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
+    VELA_FUSED Pixels<Sample<to>> operator()(Pixels<u16s> x) const
+    {
+        f32s low[3];
+        f32s high[3];
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i) {
+            const Floats codes = toFloats(x.c[i]);
+            low[i] = codes.low - rows.off[i];
+            high[i] = codes.high - rows.off[i];
+        }
+        return {{store<0>(low, high), store<1>(low, high), store<2>(low, high)}, alpha(x.a)};
+    }
+    VELA_FUSED Pixels<Sample<to>> operator()(u16s y, ChromaPairs<u16s> c) const
+    {
+        return (*this)(pixels(y, pairEvens(c.even, c.odd), pairOdds(c.even, c.odd), y));
+    }
+
+private:
+    template <int row> VELA_FUSED Sample<to> store(const f32s (&low)[3], const f32s (&high)[3]) const
+    {
+        const Floats x = {rows.operator()<row>(low), rows.operator()<row>(high)};
+        if constexpr (to == 32)
+            return clampToUnit(x);
+        else
+            return toCodes<to>(x);
+    }
+};
+
+template <class Target, class Source> struct FloatToYuv {
+    static constexpr int from = Source::depths[0];
+    static constexpr int to = Target::depths[0];
+    using Samples = u16s;
+    using Arguments = Join<List<const CscRgbToYuv *>, typename Alpha<Target, Source>::Arguments>;
+
+    FloatRows rows;
+    Alpha<Target, Source> alpha;
+
+    template <class... Values>
+    explicit FloatToYuv(const CscRgbToYuv *coef, Values... values) : rows(coef), alpha(values...)
+    {
+    }
+
+    using Form = Pixels<Sample<from>>;
+    VELA_FUSED static Form load(ConstLine line) { return Source::template load<u16s>(line); }
+
+    VELA_FUSED static Floats valuesOf(Floats x) { return x; }
+    VELA_FUSED static Floats valuesOf(u16s codes) { return toFloats(codes); }
+    template <int row> VELA_FUSED Floats component(const Form &x) const
+    {
+        f32s low[3];
+        f32s high[3];
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i) {
+            const Floats values = valuesOf(x.c[i]);
+            low[i] = values.low - rows.off[i];
+            high[i] = values.high - rows.off[i];
+        }
+        return {rows.operator()<row>(low), rows.operator()<row>(high)};
+    }
+    VELA_FUSED Sample<to> luma(const Form &x) const
+    {
+        if constexpr (to == 32)
+            return component<0>(x); // as it is: no limits
+        else
+            return toCodes<to>(component<0>(x));
+    }
+    VELA_FUSED Pixels<u16s> operator()(const Form &x) const
+    {
+        return {{toCodes<to>(component<0>(x)), toCodes<to>(component<1>(x)), toCodes<to>(component<2>(x))}, alpha(x.a)};
+    }
+
+    // Every second pixel, in the lanes of a register of floats: still codes, until the mean has been taken.
+    struct Evens {
+        u32s codes[3];
+        f32s values[3];
+    };
+    VELA_FUSED static Evens evens(const Form &x)
+    {
+        Evens result;
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i) {
+            if constexpr (from == 32)
+                result.values[i] = as<f32s>(::evens(as<u32s>(x.c[i].low), as<u32s>(x.c[i].high)));
+            else
+                result.codes[i] = as<u32s>(x.c[i]) & splat32(0xFFFF);
+        }
+        return result;
+    }
+    VELA_FUSED static Evens mean(const Evens &a, const Evens &b)
+    {
+        Evens result;
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i) {
+            if constexpr (from == 32)
+                result.values[i] = (a.values[i] + b.values[i]) * splatF32(0.5f);
+            else
+                result.codes[i] = as<u32s>(average(as<u16s>(a.codes[i]), as<u16s>(b.codes[i])));
+        }
+        return result;
+    }
+    VELA_FUSED u16s chroma(const Evens &x) const
+    {
+        f32s rgb[3];
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i) {
+            if constexpr (from == 32)
+                rgb[i] = x.values[i] - rows.off[i];
+            else
+                rgb[i] = toFloat(as<i32s>(x.codes[i])) - rows.off[i];
+        }
+        const i32s u = toCode<to>(rows.operator()<1>(rgb));
+        const i32s v = toCode<to>(rows.operator()<2>(rgb));
+        if constexpr (to == 16)
+            return narrowPairsUnsigned(u, v);
+        else
+            return limited<to>(narrowPairs(u, v));
+    }
+};
+
+// Integers where a side has 8 or 10 bits and none is float.
+constexpr bool integerMatrix(int a, int b) { return a != 32 && b != 32 && (a < 16 || b < 16); }
+
+template <class Target, class Source>
+using ToRgb = Choose<integerMatrix(Source::depths[0], Target::depths[0]), IntegerToRgb<Target, Source>,
+                     FloatToRgb<Target, Source>>;
+template <class Target, class Source>
+using ToYuv = Choose<integerMatrix(Source::depths[0], Target::depths[0]), IntegerToYuv<Target, Source>,
+                     FloatToYuv<Target, Source>>;
+
+template <class Target, class Source> struct YuvToRgb : ToRgb<Target, Source> {
+    using ToRgb<Target, Source>::ToRgb;
+};
+template <class Target, class Source> struct RgbToYuv : ToYuv<Target, Source> {
+    using ToYuv<Target, Source>::ToYuv;
+};
+
+// Grey is luma of full range.
+template <class Target, class Source> struct RgbToGrey : ToYuv<Target, Source> {
+    using Base = ToYuv<Target, Source>;
+    using Base::Base;
+
+    VELA_FUSED auto operator()(const typename Base::Form &x) const
+    {
+        const auto y = this->luma(x);
+        return pixels(y, y, y, y);
+    }
+};
+
+} // namespace
