@@ -95,6 +95,23 @@ template <int from, int to> VELA_FUSED inline Sample<to> fullDepth(Sample<from> 
     }
 }
 
+// The same for pixels side by side, alpha of a depth of its own. Codes to codes need equal depths.
+template <int from, int to, int fromAlpha, int toAlpha> VELA_FUSED inline Sample<to> fullDepthOfFours(Sample<from> x)
+{
+    if constexpr (from != 32 && to == 32) {
+        const f32s unit = splatFours((float)(1.0 / largestCode(from)), (float)(1.0 / largestCode(fromAlpha)));
+        const Floats codes = toFloats(x);
+        return {codes.low * unit, codes.high * unit};
+    } else if constexpr (from == 32 && to != 32 && to != toAlpha) {
+        const f32s largest = splatFours((float)largestCode(to), (float)largestCode(toAlpha));
+        const i16s codes = narrow(toCode<to>(x.low * largest), toCode<to>(x.high * largest));
+        const i16s limit = splatFours((int16_t)largestCode(to), (int16_t)largestCode(toAlpha));
+        return as<u16s>(smaller(larger(codes, zero<i16s>()), limit));
+    } else {
+        return fullDepth<from, to>(x);
+    }
+}
+
 VELA_FUSED inline f32s clampToUnit(f32s x) { return smaller(larger(x, zero<f32s>()), splatF32(1)); }
 VELA_FUSED inline Floats clampToUnit(Floats x) { return {clampToUnit(x.low), clampToUnit(x.high)}; }
 
