@@ -162,18 +162,22 @@ inline Fours<u32s> interleaveFours(u8s a, u8s b, u8s c, u8s d)
 }
 inline Fours<u8s> splitFours(Fours<u32s> x)
 {
-    const __m128i mask = _mm_set1_epi16(0xFF);
-    const auto evenBytes = [mask](__m128i p, __m128i q) {
-        return _mm_packus_epi16(_mm_and_si128(p, mask), _mm_and_si128(q, mask));
-    };
-    const auto oddBytes = [](__m128i p, __m128i q) {
-        return _mm_packus_epi16(_mm_srli_epi16(p, 8), _mm_srli_epi16(q, 8));
-    };
-    const __m128i acLow = evenBytes(x.a.v, x.b.v);
-    const __m128i acHigh = evenBytes(x.c.v, x.d.v);
-    const __m128i bdLow = oddBytes(x.a.v, x.b.v);
-    const __m128i bdHigh = oddBytes(x.c.v, x.d.v);
-    return {{evenBytes(acLow, acHigh)}, {evenBytes(bdLow, bdHigh)}, {oddBytes(acLow, acHigh)}, {oddBytes(bdLow, bdHigh)}};
+    const __m128i p = _mm_unpacklo_epi8(x.a.v, x.c.v); // pixels 0 8 1 9
+    const __m128i q = _mm_unpackhi_epi8(x.a.v, x.c.v); //        2 10 3 11
+    const __m128i r = _mm_unpacklo_epi8(x.b.v, x.d.v); //        4 12 5 13
+    const __m128i s = _mm_unpackhi_epi8(x.b.v, x.d.v);
+    const __m128i pr = _mm_unpacklo_epi8(p, r); // 0 4 8 12: a, b, c, d
+    const __m128i prOdd = _mm_unpackhi_epi8(p, r);
+    const __m128i qs = _mm_unpacklo_epi8(q, s); // 2 6 10 14
+    const __m128i qsOdd = _mm_unpackhi_epi8(q, s);
+    const __m128i evenAb = _mm_unpacklo_epi8(pr, qs); // a of 0 2 4 .. 14, b
+    const __m128i evenCd = _mm_unpackhi_epi8(pr, qs);
+    const __m128i oddAb = _mm_unpacklo_epi8(prOdd, qsOdd);
+    const __m128i oddCd = _mm_unpackhi_epi8(prOdd, qsOdd);
+    return {{_mm_unpacklo_epi8(evenAb, oddAb)},
+            {_mm_unpackhi_epi8(evenAb, oddAb)},
+            {_mm_unpacklo_epi8(evenCd, oddCd)},
+            {_mm_unpackhi_epi8(evenCd, oddCd)}};
 }
 
 // Words a0 b0 c0 d0 a1 ... in four registers, and back.
@@ -264,6 +268,16 @@ template <int... list> inline u32s orderBytes(u32s x)
     return moveBytes<0, list...>(x) | (moveBytes<-1, list...>(x) | moveBytes<1, list...>(x)) |
            (moveBytes<-2, list...>(x) | moveBytes<2, list...>(x)) |
            (moveBytes<-3, list...>(x) | moveBytes<3, list...>(x));
+}
+
+// Bytes first to fourth of every lane as words; words first to fourth of every four as bytes, limited.
+template <int... list> inline Pair<u16s> widenFours(u32s x)
+{
+    return {orderFours<list...>(widenLow(as<u8s>(x))), orderFours<list...>(widenHigh(as<u8s>(x)))};
+}
+template <int... list> inline u32s narrowFours(u16s low, u16s high)
+{
+    return as<u32s>(narrow(as<i16s>(orderFours<list...>(low)), as<i16s>(orderFours<list...>(high))));
 }
 
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------

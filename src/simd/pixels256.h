@@ -287,6 +287,17 @@ template <int first, int second, int third, int fourth> inline u32s orderBytes(u
     return {_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order))};
 }
 
+// Bytes first to fourth of every lane as words; words first to fourth of every four as bytes, limited.
+template <int... list> inline Pair<u16s> widenFours(u32s x)
+{
+    const u8s ordered = as<u8s>(orderBytes<list...>(x));
+    return {widenLow(ordered), widenHigh(ordered)};
+}
+template <int... list> inline u32s narrowFours(u16s low, u16s high)
+{
+    return orderBytes<list...>(as<u32s>(narrow(as<i16s>(low), as<i16s>(high))));
+}
+
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------
 
 struct ShiftCount {

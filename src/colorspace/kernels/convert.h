@@ -23,6 +23,29 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
                Targets::shape(0).pixels == Sources::shape(0).pixels;
     }
 
+    // Planes that need no change are copied as a whole, ahead of the blocks.
+    static constexpr bool passes()
+    {
+        if constexpr (requires { Step::passes; })
+            return Step::passes;
+        return false;
+    }
+    static constexpr bool lumaPasses = passes() && TargetLayout::lumaInPlane && SourceLayout::lumaInPlane;
+    static constexpr bool allPasses()
+    {
+        if constexpr (lumaPasses && TargetLayout::subsampled && SourceLayout::subsampled)
+            return TargetLayout::order == Chroma::apart && SourceLayout::order == Chroma::apart &&
+                   (lines == 1 || halvesLines<SourceLayout>());
+        return false;
+    }
+
+    template <class Rows> static constexpr RowShape shapeInBlocks(int row)
+    {
+        return lumaPasses && row < lines ? RowShape{0} : Rows::shape(row);
+    }
+    static constexpr RowShape targetShape(int row) { return shapeInBlocks<Targets>(row); }
+    static constexpr RowShape sourceShape(int row) { return shapeInBlocks<Sources>(row); }
+
     template <class Rows, class Byte> struct LineOf {
         Byte *plane[Rows::planes];
 
@@ -65,22 +88,30 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
             putLine<Chroma::uv>(target, step.luma(upper), step.chroma(Step::evens(upper)));
         } else {
             const auto evens = Step::evens(upper);
-            TargetLayout::storeLuma(target, step.luma(upper));
+            storeLuma(target, step.luma(upper));
             const auto lower = Step::load(lowerSource);
-            TargetLayout::storeLuma(lowerTarget, step.luma(lower));
+            storeLuma(lowerTarget, step.luma(lower));
             TargetLayout::template storePairs<Chroma::uv>(target, step.chroma(Step::mean(evens, Step::evens(lower))));
         }
     }
 
     template <class Block> VELA_FUSED static void storePixels(Line target, const Block &block)
     {
-        TargetLayout::store(target, block);
+        if constexpr (lumaPasses)
+            TargetLayout::storeChroma(target, block);
+        else
+            TargetLayout::store(target, block);
     }
     template <class Codes> VELA_FUSED static void storePixels(Line target, const PixelFours<Codes> &block)
     {
         TargetLayout::storeFours(target, block);
     }
     VELA_FUSED static void storePixels(Line target, const PixelWords &block) { TargetLayout::store(target, block); }
+    template <class Luma> VELA_FUSED static void storeLuma(Line target, Luma y)
+    {
+        if constexpr (!lumaPasses)
+            TargetLayout::storeLuma(target, y);
+    }
 
     VELA_FUSED static void upsample(Line target, Line lowerTarget, ConstLine source, ConstLine lowerSource,
                                     const Step &step)
@@ -88,9 +119,9 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
         const Samples even = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 0);
         const Samples next = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 1);
         const ChromaPairs<Samples> chroma = {even, average(even, next)};
-        TargetLayout::store(target, step(SourceLayout::template loadLuma<Samples>(source), chroma));
+        storePixels(target, step(SourceLayout::template loadLuma<Samples>(source), chroma));
         if constexpr (lines == 2) // the lower line has the same chroma
-            TargetLayout::store(lowerTarget, step(SourceLayout::template loadLuma<Samples>(lowerSource), chroma));
+            storePixels(lowerTarget, step(SourceLayout::template loadLuma<Samples>(lowerSource), chroma));
     }
 
     VELA_FUSED static void keepSubsampled(Line target, Line lowerTarget, ConstLine source, ConstLine lowerSource,
@@ -103,26 +134,59 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
         Samples pairs = SourceLayout::template loadPairs<Samples, order>(source, 0);
         if constexpr (lines == 2 && !halvesLines<SourceLayout>())
             pairs = average(pairs, SourceLayout::template loadPairs<Samples, order>(lowerSource, 0));
-        pairs = step.chroma(pairs);
-        putLine<order>(target, step.luma(SourceLayout::template loadLuma<Samples>(source)), pairs);
+        const auto chroma = step.chroma(pairs);
+        putLine<order>(target, step.luma(SourceLayout::template loadLuma<Samples>(source)), chroma);
         if constexpr (lines == 2) {
-            const Samples lower = step.luma(SourceLayout::template loadLuma<Samples>(lowerSource));
+            const auto lower = step.luma(SourceLayout::template loadLuma<Samples>(lowerSource));
             if constexpr (halvesLines<TargetLayout>())
-                TargetLayout::storeLuma(lowerTarget, lower);
+                storeLuma(lowerTarget, lower);
             else
-                putLine<order>(lowerTarget, lower, pairs);
+                putLine<order>(lowerTarget, lower, chroma);
         }
     }
 
-    template <Chroma order> VELA_FUSED static void putLine(Line target, Samples y, Samples pairs)
+    template <Chroma order, class Codes> VELA_FUSED static void putLine(Line target, Codes y, Codes pairs)
     {
         if constexpr (TargetLayout::packed) {
             TargetLayout::template store<order>(target, y, pairs);
         } else {
-            TargetLayout::storeLuma(target, y);
+            storeLuma(target, y);
             TargetLayout::template storePairs<order>(target, pairs);
         }
     }
 };
+
+// Copies rows that pass unchanged; where source and target are one row, it stays.
+template <class Rows, class SourceRows>
+inline void passPlane(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, int plane, int lines)
+{
+    for (int line = 0; line < lines; ++line) {
+        uint8_t *target = to[Rows::indexOf(plane, line)];
+        const uint8_t *source = from[SourceRows::indexOf(plane, line)];
+        if (target != source)
+            memcpy(target, source, (size_t)Rows::shape(Rows::indexOf(plane, line)).bytes(n));
+    }
+}
+
+// `more` promises that n is a number of whole blocks and that the source rows go on behind them.
+template <class Inner, class Step>
+inline void convertPlanes(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, const Step &step,
+                          bool more = false)
+{
+    using Targets = typename Inner::Targets;
+    using Sources = typename Inner::Sources;
+    if (n <= 0)
+        return;
+    if constexpr (Inner::lumaPasses)
+        passPlane<Targets, Sources>(to, from, n, 0, Inner::lines);
+    if constexpr (Inner::allPasses()) {
+        for (int plane = 1; plane < Targets::planes; ++plane)
+            passPlane<Targets, Sources>(to, from, n, plane, Targets::linesOf(plane));
+    } else if (more) {
+        runBlocks<Inner>(to, from, n, step);
+    } else {
+        convertRows<Inner>(to, from, n, step);
+    }
+}
 
 } // namespace

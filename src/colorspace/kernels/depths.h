@@ -11,6 +11,14 @@ namespace {
 
 using Floats = Pair<f32s>;
 
+// As many words as a register has bytes.
+struct WideWords {
+    static constexpr int lanes = u8s::lanes;
+    u16s low;
+    u16s high;
+};
+VELA_FUSED inline WideWords average(WideWords a, WideWords b) { return {average(a.low, b.low), average(a.high, b.high)}; }
+
 template <int bits> struct SampleOf {
     using Type = u16s;
 };
@@ -22,7 +30,7 @@ template <int bits> using Sample = typename SampleOf<bits>::Type;
 constexpr int largestCode(int bits) { return (1 << bits) - 1; }
 
 // Codes of limited range: the top bits keep their meaning, nothing is rounded.
-template <int from, int to, class Samples> VELA_FUSED inline Samples videoDepth(Samples x)
+template <int from, int to> VELA_FUSED inline u16s videoDepth(u16s x)
 {
     if constexpr (from < to)
         return shiftLeft<to - from>(x);
@@ -30,6 +38,19 @@ template <int from, int to, class Samples> VELA_FUSED inline Samples videoDepth(
         return shiftRight<from - to>(x);
     else
         return x;
+}
+template <int from, int to> VELA_FUSED inline u8s videoDepth(WideWords x)
+{
+    static_assert(to == 8);
+    return narrow(videoDepth<from, to>(x.low), videoDepth<from, to>(x.high));
+}
+template <int from, int to> VELA_FUSED inline auto videoDepth(u8s x)
+{
+    static_assert(from == 8);
+    if constexpr (to == 8)
+        return x;
+    else
+        return WideWords{videoDepth<from, to>(widenLow(x)), videoDepth<from, to>(widenHigh(x))};
 }
 
 template <int bits> VELA_FUSED inline u16s limited(i16s x)

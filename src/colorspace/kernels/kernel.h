@@ -20,7 +20,7 @@ struct Kernel<Target, Source, Step, Width, List<To...>, List<From...>, List<Give
         if constexpr (isChunked<Target> || isChunked<Source>)
             convertInChunks<Target, Source>(targets, sources, pixels, Step(given...));
         else
-            convertRows<Conversion<Target, Source, Step>>(targets, sources, pixels, Step(given...));
+            convertPlanes<Conversion<Target, Source, Step>>(targets, sources, pixels, Step(given...));
     }
 };
 

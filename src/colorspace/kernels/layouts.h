@@ -43,21 +43,51 @@ using ConstLine = const uint8_t *const *; // the same of a source
 template <class Element> struct Memory;
 
 template <> struct Memory<uint16_t> {
-    template <class> VELA_FUSED static u16s load(const uint8_t *from) { return ::load<u16s>(from); }
-    VELA_FUSED static void store(uint8_t *to, u16s x) { ::store(to, x); }
-    template <class> VELA_FUSED static u16s loadPairs(const uint8_t *u, const uint8_t *v)
+    template <class Samples> VELA_FUSED static Samples load(const uint8_t *from)
     {
-        return interleaveLow(loadHalf<u16s>(u), loadHalf<u16s>(v));
+        if constexpr (Samples::lanes == u16s::lanes)
+            return ::load<u16s>(from);
+        else
+            return {::load<u16s>(from), ::load<u16s>(from + sizeof(u16s))};
     }
-    template <class> VELA_FUSED static u16s loadApart(const uint8_t *u, const uint8_t *v)
+    VELA_FUSED static void store(uint8_t *to, u16s x) { ::store(to, x); }
+    VELA_FUSED static void store(uint8_t *to, WideWords x)
     {
-        return loadHalves<u16s>(u, v);
+        ::store(to, x.low);
+        ::store(to + sizeof(u16s), x.high);
+    }
+    template <class Samples> VELA_FUSED static Samples loadPairs(const uint8_t *u, const uint8_t *v)
+    {
+        if constexpr (Samples::lanes == u16s::lanes) {
+            return interleaveLow(loadHalf<u16s>(u), loadHalf<u16s>(v));
+        } else {
+            const u16s us = ::load<u16s>(u);
+            const u16s vs = ::load<u16s>(v);
+            return {interleaveLow(us, vs), interleaveHigh(us, vs)};
+        }
+    }
+    template <class Samples> VELA_FUSED static Samples loadApart(const uint8_t *u, const uint8_t *v)
+    {
+        if constexpr (Samples::lanes == u16s::lanes)
+            return loadHalves<u16s>(u, v);
+        else
+            return {::load<u16s>(u), ::load<u16s>(v)};
     }
     VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { storeApart(u, v, splitPairs(x)); }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, WideWords x)
+    {
+        ::store(u, evens(x.low, x.high));
+        ::store(v, odds(x.low, x.high));
+    }
     VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u16s x)
     {
         storeHalf(u, x);
         storeUpperHalf(v, x);
+    }
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, WideWords x)
+    {
+        ::store(u, x.low);
+        ::store(v, x.high);
     }
 };
 
@@ -119,6 +149,7 @@ struct WholePixels {
     static constexpr bool inBytes = false;   // has blocks of bytes
     static constexpr bool inFours = false;   // loads and stores the components of a pixel side by side, too
     static constexpr bool oneComponent = false;
+    static constexpr bool lumaInPlane = false; // the first
 };
 
 // Words R G B A R G B A ... of a block, or floats in registers of words: for steps that treat components alike. Where a
@@ -198,9 +229,9 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
     VELA_FUSED static PixelFours<u16s> loadFours(ConstLine line)
     {
         constexpr int last = alphaAt < 0 ? 3 : alphaAt; // of three bytes a 0
-        const u8s low = as<u8s>(orderBytes<at0, at1, at2, last>(loadWords(line[0], 0)));
-        const u8s high = as<u8s>(orderBytes<at0, at1, at2, last>(loadWords(line[0], 1)));
-        return {widenLow(low), widenHigh(low), widenLow(high), widenHigh(high)};
+        const Pair<u16s> low = widenFours<at0, at1, at2, last>(loadWords(line[0], 0));
+        const Pair<u16s> high = widenFours<at0, at1, at2, last>(loadWords(line[0], 1));
+        return {low.low, low.high, high.low, high.high};
     }
     static constexpr int componentAt(int byte)
     {
@@ -211,10 +242,8 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
     }
     VELA_FUSED static void storeFours(Line line, PixelFours<u16s> x)
     {
-        const u32s low = as<u32s>(narrow(as<i16s>(x.a), as<i16s>(x.b)));
-        const u32s high = as<u32s>(narrow(as<i16s>(x.c), as<i16s>(x.d)));
-        storeWords(line[0], {orderBytes<componentAt(0), componentAt(1), componentAt(2), componentAt(3)>(low),
-                             orderBytes<componentAt(0), componentAt(1), componentAt(2), componentAt(3)>(high)});
+        storeWords(line[0], {narrowFours<componentAt(0), componentAt(1), componentAt(2), componentAt(3)>(x.a, x.b),
+                             narrowFours<componentAt(0), componentAt(1), componentAt(2), componentAt(3)>(x.c, x.d)});
     }
 
     static constexpr int placeOf(int component) { return at[component]; }
@@ -464,6 +493,7 @@ template <class Element, int bits, int plane0 = 0, int plane1 = 1, int plane2 = 
     static constexpr RowShape rows[] = {{sizeof(Element)}, {sizeof(Element)}, {sizeof(Element)}};
     static constexpr int depths[] = {bits, bits, bits, 0};
     static constexpr bool inBytes = sizeof(Element) == 1;
+    static constexpr bool lumaInPlane = plane0 == 0;
 
     template <class Samples> VELA_FUSED static auto load(ConstLine line)
     {
@@ -474,6 +504,10 @@ template <class Element, int bits, int plane0 = 0, int plane1 = 1, int plane2 = 
     template <class Samples> VELA_FUSED static void store(Line line, Pixels<Samples> x)
     {
         Memory<Element>::store(line[plane0], x.c[0]);
+        storeChroma(line, x);
+    }
+    template <class Samples> VELA_FUSED static void storeChroma(Line line, Pixels<Samples> x)
+    {
         Memory<Element>::store(line[plane1], x.c[1]);
         Memory<Element>::store(line[plane2], x.c[2]);
     }
@@ -510,6 +544,7 @@ template <class Element, int bits> struct Single : WholePixels {
 // Y in a plane, U V of every pixel as pairs in another.
 template <class Element, int bits> struct LumaAndPairs : WholePixels {
     using Elements = List<Element, Element>;
+    static constexpr bool lumaInPlane = true;
     static constexpr RowShape rows[] = {{sizeof(Element)}, {2 * sizeof(Element)}};
     static constexpr int depths[] = {bits, bits, bits, 0};
     static constexpr bool inBytes = sizeof(Element) == 1;
@@ -524,6 +559,10 @@ template <class Element, int bits> struct LumaAndPairs : WholePixels {
     template <class Samples> VELA_FUSED static void store(Line line, Pixels<Samples> x)
     {
         Memory<Element>::store(line[0], x.c[0]);
+        storeChroma(line, x);
+    }
+    template <class Samples> VELA_FUSED static void storeChroma(Line line, Pixels<Samples> x)
+    {
         Memory<Element>::store(line[1], interleaveLow(x.c[1], x.c[2]));
         Memory<Element>::store(line[1] + Samples::lanes * sizeof(Element), interleaveHigh(x.c[1], x.c[2]));
     }
@@ -538,11 +577,13 @@ template <class Element, int bits> struct SubsampledYuv {
     static constexpr bool inBytes = sizeof(Element) == 1;
     static constexpr bool oneComponent = false;
     static constexpr bool packed = false; // luma and chroma in one plane
+    static constexpr bool lumaInPlane = true;
     static constexpr int depths[] = {bits, bits, bits, 0};
 };
 
 VELA_FUSED inline u8s swapPairs(u8s x) { return as<u8s>(swapBytes(as<u16s>(x))); }
 VELA_FUSED inline u16s swapPairs(u16s x) { return orderFours<1, 0, 3, 2>(x); }
+VELA_FUSED inline WideWords swapPairs(WideWords x) { return {swapPairs(x.low), swapPairs(x.high)}; }
 
 enum class Lines { all, halved }; // of chroma: 4:2:2, 4:2:0
 
@@ -624,6 +665,7 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     using Elements = List<Element>;
     static constexpr Chroma order = chroma;
     static constexpr bool packed = true;
+    static constexpr bool lumaInPlane = false;
     static constexpr bool pairsOnly = true;
     static constexpr RowShape rows[] = {{4 * sizeof(Element), 2}};
 

@@ -67,8 +67,13 @@ template <class Target, class Source> struct Alpha<Target, Source, AlphaFrom::ar
 
 // YUV to another depth, or only another layout.
 template <class Target, class Source> struct Video {
-    static constexpr bool inBytes = Target::inBytes && Source::inBytes;
-    using Samples = Choose<inBytes, u8s, u16s>;
+    // Blocks of bytes: where both sides are bytes, and where planes change between bytes and words.
+    static constexpr bool planes = Target::subsampled == Source::subsampled && Target::oneComponent == Source::oneComponent &&
+                                   (Target::subsampled || Target::oneComponent) && (Target::inBytes || Source::inBytes);
+    static constexpr bool inBytes = planes || (Target::inBytes && Source::inBytes);
+    using Samples = Choose<inBytes, Choose<Source::inBytes, u8s, WideWords>, u16s>;
+    // Samples that pass unchanged.
+    static constexpr bool passes = Target::depths[0] == Source::depths[0];
     static constexpr int turns = Target::oneComponent ? 4 : 2;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
@@ -76,21 +81,21 @@ template <class Target, class Source> struct Video {
 
     template <class... Values> explicit Video(Values... values) : alpha(values...) {}
 
-    VELA_FUSED static Samples depth(Samples x) { return videoDepth<Source::depths[0], Target::depths[0]>(x); }
+    VELA_FUSED static auto depth(Samples x) { return videoDepth<Source::depths[0], Target::depths[0]>(x); }
     VELA_FUSED static auto load(ConstLine line) { return Source::template load<Samples>(line); }
-    VELA_FUSED Pixels<Samples> operator()(Pixels<Samples> x) const
+    VELA_FUSED auto operator()(Pixels<Samples> x) const
     {
-        return {{depth(x.c[0]), depth(x.c[1]), depth(x.c[2])}, alpha(x.a)};
+        return Pixels<decltype(depth(x.c[0]))>{{depth(x.c[0]), depth(x.c[1]), depth(x.c[2])}, alpha(x.a)};
     }
-    VELA_FUSED Pixels<Samples> operator()(Samples y, ChromaPairs<Samples> c) const
+    VELA_FUSED auto operator()(Samples y, ChromaPairs<Samples> c) const
     {
         return (*this)(pixels(y, pairEvens(c.even, c.odd), pairOdds(c.even, c.odd), y));
     }
-    VELA_FUSED Samples luma(Samples y) const { return depth(y); }
-    VELA_FUSED Samples luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
+    VELA_FUSED auto luma(Samples y) const { return depth(y); }
+    VELA_FUSED auto luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
     VELA_FUSED static Samples evens(const Pixels<Samples> &x) { return pairEvens(x.c[1], x.c[2]); }
     VELA_FUSED static Samples mean(Samples a, Samples b) { return average(a, b); }
-    VELA_FUSED Samples chroma(Samples pairs) const { return depth(pairs); }
+    VELA_FUSED auto chroma(Samples pairs) const { return depth(pairs); }
 };
 
 // RGB, grey, alpha to another depth, floats among them: by component.
