@@ -15,6 +15,10 @@ template <class Vector> inline Vector loadHalf(const void *from)
 {
     return fromBits<Vector>(_mm_loadl_epi64((const __m128i *)from));
 }
+template <class Vector> inline Vector loadHalves(const void *lower, const void *upper)
+{
+    return fromBits<Vector>(_mm_unpacklo_epi64(_mm_loadl_epi64((const __m128i *)lower), _mm_loadl_epi64((const __m128i *)upper)));
+}
 template <class Vector> inline Vector loadQuarter(const void *from)
 {
     return fromBits<Vector>(_mm_cvtsi32_si128(loadPiece<int>((const uint8_t *)from)));
@@ -45,9 +49,12 @@ inline u8s evens(u8s a, u8s b)
 inline u8s odds(u8s a, u8s b) { return {_mm_packus_epi16(_mm_srli_epi16(a.v, 8), _mm_srli_epi16(b.v, 8))}; }
 inline u16s evens(u16s a, u16s b)
 {
-    return {_mm_packs_epi32(_mm_srai_epi32(_mm_slli_epi32(a.v, 16), 16), _mm_srai_epi32(_mm_slli_epi32(b.v, 16), 16))};
+    return as<u16s>(evens(as<u32s>(orderFours<0, 2, 1, 3>(a)), as<u32s>(orderFours<0, 2, 1, 3>(b))));
 }
-inline u16s odds(u16s a, u16s b) { return {_mm_packs_epi32(_mm_srai_epi32(a.v, 16), _mm_srai_epi32(b.v, 16))}; }
+inline u16s odds(u16s a, u16s b)
+{
+    return as<u16s>(odds(as<u32s>(orderFours<0, 2, 1, 3>(a)), as<u32s>(orderFours<0, 2, 1, 3>(b))));
+}
 
 // Even lanes in the lower half, odd lanes in the upper half.
 inline u8s splitPairs(u8s x) { return evens(x, u8s{_mm_srli_epi16(x.v, 8)}); }
@@ -71,15 +78,19 @@ inline u16s pairOdds(u16s a, u16s b)
     return {_mm_or_si128(_mm_srli_epi32(a.v, 16), _mm_andnot_si128(_mm_set1_epi32(0xFFFF), b.v))};
 }
 
-// Words a0 b0 a1 b1 ... of a quarter of a register of bytes each, and back with the bytes limited.
+// A quarter of a register of bytes each as words: in pairs a0 b0 a1 b1 ..., or a in the lower half and b in the upper.
+// Back from there with the bytes limited.
 inline u16s loadPairs(const uint8_t *a, const uint8_t *b)
 {
     return widenLow(interleaveLow(loadQuarter<u8s>(a), loadQuarter<u8s>(b)));
 }
-inline void storePairs(uint8_t *a, uint8_t *b, u16s x)
+inline u16s loadApart(const uint8_t *a, const uint8_t *b)
 {
-    const __m128i split = splitPairs(x).v;
-    const u32s bytes = {_mm_packus_epi16(split, split)};
+    return widenLow(as<u8s>(interleaveLow(loadQuarter<u32s>(a), loadQuarter<u32s>(b))));
+}
+inline void storeApart(uint8_t *a, uint8_t *b, i16s x)
+{
+    const u32s bytes = as<u32s>(narrow(x, x));
     storeQuarter(a, bytes);
     storeQuarter(b, u32s{_mm_srli_epi64(bytes.v, 32)});
 }
@@ -112,6 +123,10 @@ template <class Vector> struct Fours {
     Vector d;
 };
 
+// x x x last x x x last ...
+inline f32s splatFours(float x, float last) { return {_mm_setr_ps(x, x, x, last)}; }
+inline i16s splatFours(int16_t x, int16_t last) { return {_mm_setr_epi16(x, x, x, last, x, x, x, last)}; }
+
 // Bytes a0 b0 c0 d0 a1 ... of words, limited, and back.
 //   a0 c0 | b0 d0  ->  a0 b0 .. | c0 d0 ..  ->  a0 b0 c0 d0
 inline Pair<u32s> interleaveFours(i16s a, i16s b, i16s c, i16s d)
@@ -131,6 +146,38 @@ inline Fours<u16s> splitFours(Pair<u32s> x)
     const u8s ab = {_mm_unpacklo_epi8(even, odd)};
     const u8s cd = {_mm_unpackhi_epi8(even, odd)};
     return {widenLow(ab), widenHigh(ab), widenLow(cd), widenHigh(cd)};
+}
+
+// The same of bytes, four registers.
+inline Fours<u32s> interleaveFours(u8s a, u8s b, u8s c, u8s d)
+{
+    const __m128i abLow = _mm_unpacklo_epi8(a.v, b.v);
+    const __m128i abHigh = _mm_unpackhi_epi8(a.v, b.v);
+    const __m128i cdLow = _mm_unpacklo_epi8(c.v, d.v);
+    const __m128i cdHigh = _mm_unpackhi_epi8(c.v, d.v);
+    return {{_mm_unpacklo_epi16(abLow, cdLow)},
+            {_mm_unpackhi_epi16(abLow, cdLow)},
+            {_mm_unpacklo_epi16(abHigh, cdHigh)},
+            {_mm_unpackhi_epi16(abHigh, cdHigh)}};
+}
+inline Fours<u8s> splitFours(Fours<u32s> x)
+{
+    const __m128i p = _mm_unpacklo_epi8(x.a.v, x.c.v); // pixels 0 8 1 9
+    const __m128i q = _mm_unpackhi_epi8(x.a.v, x.c.v); //        2 10 3 11
+    const __m128i r = _mm_unpacklo_epi8(x.b.v, x.d.v); //        4 12 5 13
+    const __m128i s = _mm_unpackhi_epi8(x.b.v, x.d.v);
+    const __m128i pr = _mm_unpacklo_epi8(p, r); // 0 4 8 12: a, b, c, d
+    const __m128i prOdd = _mm_unpackhi_epi8(p, r);
+    const __m128i qs = _mm_unpacklo_epi8(q, s); // 2 6 10 14
+    const __m128i qsOdd = _mm_unpackhi_epi8(q, s);
+    const __m128i evenAb = _mm_unpacklo_epi8(pr, qs); // a of 0 2 4 .. 14, b
+    const __m128i evenCd = _mm_unpackhi_epi8(pr, qs);
+    const __m128i oddAb = _mm_unpacklo_epi8(prOdd, qsOdd);
+    const __m128i oddCd = _mm_unpackhi_epi8(prOdd, qsOdd);
+    return {{_mm_unpacklo_epi8(evenAb, oddAb)},
+            {_mm_unpackhi_epi8(evenAb, oddAb)},
+            {_mm_unpacklo_epi8(evenCd, oddCd)},
+            {_mm_unpackhi_epi8(evenCd, oddCd)}};
 }
 
 // Words a0 b0 c0 d0 a1 ... in four registers, and back.
@@ -221,6 +268,16 @@ template <int... list> inline u32s orderBytes(u32s x)
     return moveBytes<0, list...>(x) | (moveBytes<-1, list...>(x) | moveBytes<1, list...>(x)) |
            (moveBytes<-2, list...>(x) | moveBytes<2, list...>(x)) |
            (moveBytes<-3, list...>(x) | moveBytes<3, list...>(x));
+}
+
+// Bytes first to fourth of every lane as words; words first to fourth of every four as bytes, limited.
+template <int... list> inline Pair<u16s> widenFours(u32s x)
+{
+    return {orderFours<list...>(widenLow(as<u8s>(x))), orderFours<list...>(widenHigh(as<u8s>(x)))};
+}
+template <int... list> inline u32s narrowFours(u16s low, u16s high)
+{
+    return as<u32s>(narrow(as<i16s>(orderFours<list...>(low)), as<i16s>(orderFours<list...>(high))));
 }
 
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------

@@ -12,6 +12,11 @@ template <class Vector> inline Vector loadHalf(const void *from)
 {
     return fromBits<Vector>(_mm256_castsi128_si256(_mm_loadu_si128((const __m128i *)from)));
 }
+template <class Vector> inline Vector loadHalves(const void *lower, const void *upper)
+{
+    return fromBits<Vector>(_mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128((const __m128i *)lower)),
+                                                    _mm_loadu_si128((const __m128i *)upper), 1));
+}
 template <class Vector> inline Vector loadQuarter(const void *from)
 {
     return fromBits<Vector>(_mm256_castsi128_si256(_mm_loadl_epi64((const __m128i *)from)));
@@ -79,16 +84,21 @@ inline u8s pairOdds(u8s a, u8s b)
 inline u16s pairEvens(u16s a, u16s b) { return {_mm256_blend_epi16(a.v, _mm256_slli_epi32(b.v, 16), 0xAA)}; }
 inline u16s pairOdds(u16s a, u16s b) { return {_mm256_blend_epi16(_mm256_srli_epi32(a.v, 16), b.v, 0xAA)}; }
 
-// Words a0 b0 a1 b1 ... of a quarter of a register of bytes each, and back with the bytes limited.
+// A quarter of a register of bytes each as words: in pairs a0 b0 a1 b1 ..., or a in the lower half and b in the upper.
+// Back from there with the bytes limited.
 inline u16s loadPairs(const uint8_t *a, const uint8_t *b)
 {
     return {_mm256_cvtepu8_epi16(
         _mm_unpacklo_epi8(_mm_loadl_epi64((const __m128i *)a), _mm_loadl_epi64((const __m128i *)b)))};
 }
-inline void storePairs(uint8_t *a, uint8_t *b, u16s x)
+inline u16s loadApart(const uint8_t *a, const uint8_t *b)
 {
-    const __m256i split = splitPairs(x).v;
-    const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(split), _mm256_extracti128_si256(split, 1));
+    return {_mm256_cvtepu8_epi16(
+        _mm_unpacklo_epi64(_mm_loadl_epi64((const __m128i *)a), _mm_loadl_epi64((const __m128i *)b)))};
+}
+inline void storeApart(uint8_t *a, uint8_t *b, i16s x)
+{
+    const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
     _mm_storel_epi64((__m128i *)a, bytes);
     _mm_storeh_pd((double *)b, _mm_castsi128_pd(bytes));
 }
@@ -119,6 +129,13 @@ template <class Vector> struct Fours {
     Vector d;
 };
 
+// x x x last x x x last ...
+inline f32s splatFours(float x, float last) { return {_mm256_setr_ps(x, x, x, last, x, x, x, last)}; }
+inline i16s splatFours(int16_t x, int16_t last)
+{
+    return {_mm256_setr_epi16(x, x, x, last, x, x, x, last, x, x, x, last, x, x, x, last)};
+}
+
 // Bytes a0 b0 c0 d0 a1 ... of words, limited, and back.
 //   a0 c0 | b0 d0  ->  a0 b0 .. | c0 d0 ..  ->  a0 b0 c0 d0
 inline Pair<u32s> interleaveFours(i16s a, i16s b, i16s c, i16s d)
@@ -145,6 +162,36 @@ inline Fours<u16s> splitFours(Pair<u32s> x)
             {_mm256_unpackhi_epi8(ab, none)},
             {_mm256_unpacklo_epi8(cd, none)},
             {_mm256_unpackhi_epi8(cd, none)}};
+}
+
+// The same of bytes, four registers.
+inline Fours<u32s> interleaveFours(u8s a, u8s b, u8s c, u8s d)
+{
+    const __m256i abLow = _mm256_unpacklo_epi8(a.v, b.v);
+    const __m256i abHigh = _mm256_unpackhi_epi8(a.v, b.v);
+    const __m256i cdLow = _mm256_unpacklo_epi8(c.v, d.v);
+    const __m256i cdHigh = _mm256_unpackhi_epi8(c.v, d.v);
+    const __m256i p = _mm256_unpacklo_epi16(abLow, cdLow); // pixels 0-3, 16-19
+    const __m256i q = _mm256_unpackhi_epi16(abLow, cdLow);
+    const __m256i r = _mm256_unpacklo_epi16(abHigh, cdHigh);
+    const __m256i s = _mm256_unpackhi_epi16(abHigh, cdHigh);
+    return {{lowerHalves(p, q)}, {lowerHalves(r, s)}, {upperHalves(p, q)}, {upperHalves(r, s)}};
+}
+inline Fours<u8s> splitFours(Fours<u32s> x)
+{
+    const __m256i order = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    const __m256i p = _mm256_shuffle_epi8(lowerHalves(x.a.v, x.c.v), order); // a of 0-3, 16-19, b, c, d
+    const __m256i q = _mm256_shuffle_epi8(upperHalves(x.a.v, x.c.v), order); // a of 4-7, 20-23
+    const __m256i r = _mm256_shuffle_epi8(lowerHalves(x.b.v, x.d.v), order);
+    const __m256i s = _mm256_shuffle_epi8(upperHalves(x.b.v, x.d.v), order);
+    const __m256i abLow = _mm256_unpacklo_epi32(p, q);
+    const __m256i cdLow = _mm256_unpackhi_epi32(p, q);
+    const __m256i abHigh = _mm256_unpacklo_epi32(r, s);
+    const __m256i cdHigh = _mm256_unpackhi_epi32(r, s);
+    return {{_mm256_unpacklo_epi64(abLow, abHigh)},
+            {_mm256_unpackhi_epi64(abLow, abHigh)},
+            {_mm256_unpacklo_epi64(cdLow, cdHigh)},
+            {_mm256_unpackhi_epi64(cdLow, cdHigh)}};
 }
 
 // Words a0 b0 c0 d0 a1 ... in four registers, and back.
@@ -238,6 +285,17 @@ template <int first, int second, int third, int fourth> inline u32s orderBytes(u
                                         first + 8, second + 8, third + 8, fourth + 8, first + 12, second + 12,
                                         third + 12, fourth + 12);
     return {_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order))};
+}
+
+// Bytes first to fourth of every lane as words; words first to fourth of every four as bytes, limited.
+template <int... list> inline Pair<u16s> widenFours(u32s x)
+{
+    const u8s ordered = as<u8s>(orderBytes<list...>(x));
+    return {widenLow(ordered), widenHigh(ordered)};
+}
+template <int... list> inline u32s narrowFours(u16s low, u16s high)
+{
+    return orderBytes<list...>(as<u32s>(narrow(as<i16s>(low), as<i16s>(high))));
 }
 
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------

@@ -26,6 +26,7 @@ template <int depth> VELA_FUSED inline Floats scaled(Floats a, Floats b) { retur
 // Steps of this file take pixels as they are.
 template <class Source> struct OnPixels {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = List<>;
     using Block = Pixels<Sample<Source::depths[0]>>;
 
@@ -124,17 +125,37 @@ template <class Target, class Source> struct Unpremultiply : OnPixels<Source> {
 
 // --- Another alpha -------------------------------------------------------------------------------------------
 
-VELA_FUSED inline u16s splatAlpha(uint8_t value) { return splat16(value); }
-VELA_FUSED inline u16s splatAlpha(uint16_t value) { return splat16(value); }
-VELA_FUSED inline Floats splatAlpha(float value) { return {splatF32(value), splatF32(value)}; }
-
-template <class Target, class Source> struct SetAlpha : OnPixels<Source> {
-    using typename OnPixels<Source>::Block;
+// (Of bytes it is a Move from a layout without alpha.)
+template <class Target, class Source> struct SetAlpha {
+    using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = typename Target::Elements;
-    Sample<Source::depths[0]> alpha;
+    using Codes = Sample<Source::depths[0]>;
+    Codes colours; // a mask
+    Codes alpha;
 
-    template <class Value> explicit SetAlpha(Value value) : alpha(splatAlpha(value)) {}
-    VELA_FUSED Block operator()(Block x) const { return {{x.c[0], x.c[1], x.c[2]}, alpha}; }
+    explicit SetAlpha(uint16_t value)
+        : colours(as<u16s>(splatFours((int16_t)-1, 0))), alpha(as<u16s>(splatFours(0, (int16_t)value)))
+    {
+    }
+    explicit SetAlpha(float value)
+    {
+        colours.low = colours.high = atLeast(splatFours(1.0f, -1.0f), zero<f32s>());
+        alpha.low = alpha.high = splatFours(0.0f, value);
+    }
+
+    VELA_FUSED static PixelFours<Codes> load(ConstLine line) { return Source::loadFours(line); }
+    VELA_FUSED PixelFours<Codes> operator()(PixelFours<Codes> x) const
+    {
+        return {replaced(x.a), replaced(x.b), replaced(x.c), replaced(x.d)};
+    }
+
+private:
+    VELA_FUSED u16s replaced(u16s x) const { return (x & colours) | alpha; }
+    VELA_FUSED Floats replaced(Floats x) const
+    {
+        return {(x.low & colours.low) | alpha.low, (x.high & colours.high) | alpha.high};
+    }
 };
 
 template <class Target, class Source> struct ScaleAlpha : OnPixels<Source> {
@@ -146,13 +167,29 @@ template <class Target, class Source> struct ScaleAlpha : OnPixels<Source> {
     VELA_FUSED Block operator()(Block x) const { return {{x.c[0], x.c[1], x.c[2]}, scaled<8>(x.a, scale)}; }
 };
 
-template <class Target, class Source> struct ExtractAlpha : OnPixels<Source> {
-    using typename OnPixels<Source>::Block;
+template <class Target, class Source> struct ExtractAlpha {
+    using Samples = u8s;
+    static constexpr int turns = 1;
+    using Arguments = List<>;
 
-    VELA_FUSED Block operator()(Block x) const { return pixels(x.a, x.a, x.a, x.a); }
+    VELA_FUSED static PixelWords load(ConstLine line) { return Source::loadWords(line[0]); }
+    VELA_FUSED static i16s alphas(u32s low, u32s high)
+    {
+        return narrow(as<i32s>(shiftRight<8 * Source::at[3]>(low)), as<i32s>(shiftRight<8 * Source::at[3]>(high)));
+    }
+    VELA_FUSED Pixels<u8s> operator()(PixelWords x) const
+    {
+        static_assert(Source::at[3] == 3); // nothing above it
+        const u8s a = narrow(alphas(x.a, x.b), alphas(x.c, x.d));
+        return pixels(a, a, a, a);
+    }
 };
 
 // Pixels, and a plane of alpha for them.
+struct WordsAndAlpha {
+    PixelWords words;
+    u8s alpha;
+};
 struct PixelsAndAlpha {
     Pixels<u16s> pixels;
     u16s alpha;
@@ -167,10 +204,26 @@ template <class Layout> struct WithAlphaPlane : Layout {
     }
 };
 
-template <class Target, class Source> struct InsertAlpha : OnPixels<Source> {
-    VELA_FUSED Pixels<u16s> operator()(PixelsAndAlpha x) const
+template <class Target, class Source> struct InsertAlpha {
+    using Samples = u8s;
+    static constexpr int turns = 1;
+    using Arguments = List<>;
+
+    VELA_FUSED static WordsAndAlpha load(ConstLine line)
     {
-        return {{x.pixels.c[0], x.pixels.c[1], x.pixels.c[2]}, x.alpha};
+        return {Source::loadWords(line[0]), Memory<uint8_t>::load<u8s>(line[1])};
+    }
+    VELA_FUSED PixelWords operator()(const WordsAndAlpha &x) const
+    {
+        static_assert(Source::at[3] == 3);
+        const u32s colours = splat32(0x00FFFFFF);
+        const u16s low = as<u16s>(interleaveLow(zero<u8s>(), x.alpha));
+        const u16s high = as<u16s>(interleaveHigh(zero<u8s>(), x.alpha));
+        const u16s none = zero<u16s>();
+        return {(x.words.a & colours) | as<u32s>(interleaveLow(none, low)),
+                (x.words.b & colours) | as<u32s>(interleaveHigh(none, low)),
+                (x.words.c & colours) | as<u32s>(interleaveLow(none, high)),
+                (x.words.d & colours) | as<u32s>(interleaveHigh(none, high))};
     }
 };
 template <class Target, class Source> struct MultiplyAlpha : OnPixels<Source> {

@@ -212,10 +212,7 @@ inline void convertInChunks(uint8_t *const *to, const uint8_t *const *from, ptrd
         }
         if constexpr (isChunked<Source>)
             source.unpack(from, first, pixels + (more && Inner::upsamples ? 6 : 0)); // the next chroma sample, too
-        if (more)
-            runBlocks<Inner>(targetRows, sourceRows, pixels, step);
-        else
-            convertRows<Inner>(targetRows, sourceRows, pixels, step);
+        convertPlanes<Inner>(targetRows, sourceRows, pixels, step, more);
         if constexpr (isChunked<Target>)
             target.pack(to, first, pixels);
     }

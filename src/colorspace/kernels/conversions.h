@@ -133,7 +133,7 @@ constexpr auto CscGrey8ToBgra = kernel<Bgra32, Plane8, Full>;
 // Alpha of 32-bit pixels.
 constexpr auto CscPremultiplyAlpha32 = kernel<Bgra32, Bgra32, Premultiply>;
 constexpr auto CscUnpremultiplyAlpha32 = kernel<Bgra32, Bgra32, Unpremultiply>;
-constexpr auto CscSetAlpha32 = kernel<Bgra32, Bgra32, SetAlpha>;
+constexpr auto CscSetAlpha32 = kernel<Bgra32, Bgrx32, Move>;
 constexpr auto CscExtractAlpha32 = kernel<Plane8, Bgra32, ExtractAlpha>;
 constexpr auto CscInsertAlpha32 = kernel<Bgra32, WithAlphaPlane<Bgra32>, InsertAlpha>;
 constexpr auto CscScaleAlpha32 = kernel<Bgra32, Bgra32, ScaleAlpha>;
@@ -145,18 +145,18 @@ constexpr auto CscUnpremultiplyAlphaFirst32 = kernel<Argb32, Argb32, Unpremultip
 
 // RGB and floats.
 constexpr auto CscBgraToF32x4 = kernel<F32x4, Coded<Bgra32>, Full>;
-constexpr auto CscRgbaToF32x4 = kernel<F32x4, Coded<Rgba32>, Full>;
+constexpr auto CscRgbaToF32x4 = sampleKernel<4, PlaneF32, Coded<Plane8>, Full>;
 constexpr auto CscBgr24ToF32x4 = kernel<F32x4, Coded<Bgr24>, Full>;
 constexpr auto CscRgb24ToF32x4 = kernel<F32x4, Coded<Rgb24>, Full>;
 constexpr auto CscRgb48ToF32x4 = kernel<F32x4, Coded<Rgb48>, Full>;
-constexpr auto CscRgba64ToF32x4 = kernel<F32x4, Coded<Rgba64>, Full>;
+constexpr auto CscRgba64ToF32x4 = sampleKernel<4, PlaneF32, Coded<Plane16>, Full>;
 constexpr auto CscA2b10ToF32x4 = kernel<F32x4, Coded<A2b10>, Full>;
 constexpr auto CscF32x4ToBgra = kernel<Coded<Bgra32>, F32x4, Full>;
-constexpr auto CscF32x4ToRgba = kernel<Coded<Rgba32>, F32x4, Full>;
+constexpr auto CscF32x4ToRgba = sampleKernel<4, Coded<Plane8>, PlaneF32, Full>;
 constexpr auto CscF32x4ToBgr24 = kernel<Coded<Bgr24>, F32x4, Full>;
 constexpr auto CscF32x4ToRgb24 = kernel<Coded<Rgb24>, F32x4, Full>;
 constexpr auto CscF32x4ToRgb48 = kernel<Coded<Rgb48>, F32x4, Full>;
-constexpr auto CscF32x4ToRgba64 = kernel<Coded<Rgba64>, F32x4, Full>;
+constexpr auto CscF32x4ToRgba64 = sampleKernel<4, Coded<Plane16>, PlaneF32, Full>;
 constexpr auto CscF32x4ToA2b10 = kernel<Coded<A2b10>, F32x4, Full>;
 constexpr auto CscA2r10ToF32x4 = kernel<F32x4, Coded<A2r10>, Full>;
 
@@ -179,12 +179,12 @@ constexpr auto CscDpx3BToBgra = kernel<Bgra32, Dpx3B, Full>;
 constexpr auto CscBgraToDpx3B = kernel<Dpx3B, Bgra32, Full>;
 constexpr auto CscRgba64ToBgra = kernel<Bgra32, Rgba64, Full>;
 constexpr auto CscBgraToRgba64 = kernel<Rgba64, Bgra32, Full>;
-constexpr auto CscRgba64ToRgba = kernel<Rgba32, Rgba64, Full>;
-constexpr auto CscRgbaToRgba64 = kernel<Rgba64, Rgba32, Full>;
+constexpr auto CscRgba64ToRgba = sampleKernel<4, Plane8, Plane16, Full>;
+constexpr auto CscRgbaToRgba64 = sampleKernel<4, Plane16, Plane8, Full>;
 constexpr auto CscRgb48ToBgra = kernel<Bgra32, Rgb48, Full>;
 constexpr auto CscBgraToRgb48 = kernel<Rgb48, Bgra32, Full>;
-constexpr auto CscRgb48ToRgb24 = kernel<Rgb24, Rgb48, Full>;
-constexpr auto CscRgb24ToRgb48 = kernel<Rgb48, Rgb24, Full>;
+constexpr auto CscRgb48ToRgb24 = sampleKernel<3, Plane8, Plane16, Full>;
+constexpr auto CscRgb24ToRgb48 = sampleKernel<3, Plane16, Plane8, Full>;
 constexpr auto CscRgba64ToRgb48 = kernel<Rgb48, Rgba64, Full>;
 constexpr auto CscRgb48ToRgba64 = kernel<Rgba64, Rgb48, Full>;
 constexpr auto CscSwapRbA2r10 = kernel<A2b10, A2r10, Move>;
@@ -207,8 +207,8 @@ constexpr auto CscY216ToI216 = kernel<I216, Y216, Video>;
 constexpr auto CscI216ToY216 = kernel<Y216, I216, Video>;
 constexpr auto CscY216ToP216 = kernel<P216, Y216, Video>;
 constexpr auto CscP216ToY216 = kernel<Y216, P216, Video>;
-constexpr auto CscY216ToYuyv = kernel<Yuyv, Y216, Video>;
-constexpr auto CscYuyvToY216 = kernel<Y216, Yuyv, Video>;
+constexpr auto CscY216ToYuyv = sampleKernel<2, Plane8, Plane16, Video, WidthIn::pairs>;
+constexpr auto CscYuyvToY216 = sampleKernel<2, Plane16, Plane8, Video, WidthIn::pairs>;
 constexpr auto CscP216ToI216 = kernel<I216, P216, Video>;
 constexpr auto CscI216ToP216 = kernel<P216, I216, Video>;
 constexpr auto CscP216ToI210 = kernel<I210, P216, Video>;
@@ -294,7 +294,7 @@ constexpr auto CscHslPlanesToBgra = kernel<Bgra32, HuePlanes, HslToRgb>;
 
 // Float helpers.
 constexpr auto CscF32x4ToA2r10 = kernel<Coded<A2r10>, F32x4, Full>;
-constexpr auto CscClampF32x4 = kernel<F32x4, F32x4, Clamp>;
+constexpr auto CscClampF32x4 = sampleKernel<4, PlaneF32, PlaneF32, Clamp>;
 constexpr auto CscGreyF32ToF32x4 = kernel<F32x4, PlaneF32, Full>;
 constexpr auto CscF32x4ToGreyF32 = kernel<PlaneF32, F32x4, RgbToGrey>;
 
@@ -349,8 +349,8 @@ constexpr auto CscFullU16ToF32 = kernel<PlaneF32, Plane16, Full>;
 constexpr auto CscFullF32ToU16 = kernel<Plane16, PlaneF32, Full>;
 
 // Planar RGB, deep grey.
-constexpr auto CscBgraToGbr8 = kernel<Gbr8, Bgra32, Full>;
-constexpr auto CscGbr8ToBgra = kernel<Bgra32, Gbr8, Full>;
+constexpr auto CscBgraToGbr8 = kernel<Gbr8, Bgra32, Video>;
+constexpr auto CscGbr8ToBgra = kernel<Bgra32, Gbr8, Video>;
 constexpr auto CscRgba64ToGbr16 = kernel<Gbr16, Rgba64, Full>;
 constexpr auto CscGbr16ToRgba64 = kernel<Rgba64, Gbr16, Full>;
 constexpr auto CscF32x4ToGbrF32 = kernel<GbrF32, F32x4, Full>;

@@ -12,7 +12,7 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
     using Sources = RowsOf<SourceLayout, lines>;
     using Samples = typename Step::Samples;
 
-    static constexpr int size = Samples::lanes;
+    static constexpr int size = Samples::lanes * Step::turns;
     static constexpr bool inPairs = TargetLayout::subsampled || SourceLayout::subsampled;
     // Odd pixels take the mean of two chroma samples.
     static constexpr bool upsamples = SourceLayout::subsampled && !TargetLayout::subsampled;
@@ -23,92 +23,170 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
                Targets::shape(0).pixels == Sources::shape(0).pixels;
     }
 
+    // Planes that need no change are copied as a whole, ahead of the blocks.
+    static constexpr bool passes()
+    {
+        if constexpr (requires { Step::passes; })
+            return Step::passes;
+        return false;
+    }
+    static constexpr bool lumaPasses = passes() && TargetLayout::lumaInPlane && SourceLayout::lumaInPlane;
+    static constexpr bool allPasses()
+    {
+        if constexpr (lumaPasses && TargetLayout::subsampled && SourceLayout::subsampled)
+            return TargetLayout::order == Chroma::apart && SourceLayout::order == Chroma::apart &&
+                   (lines == 1 || halvesLines<SourceLayout>());
+        return false;
+    }
+
+    template <class Rows> static constexpr RowShape shapeInBlocks(int row)
+    {
+        return lumaPasses && row < lines ? RowShape{0} : Rows::shape(row);
+    }
+    static constexpr RowShape targetShape(int row) { return shapeInBlocks<Targets>(row); }
+    static constexpr RowShape sourceShape(int row) { return shapeInBlocks<Sources>(row); }
+
     template <class Rows, class Byte> struct LineOf {
         Byte *plane[Rows::planes];
 
-        VELA_FUSED LineOf(Byte *const *rows, int line)
+        VELA_FUSED LineOf(Byte *const *rows, int line, int turn)
         {
 #pragma GCC unroll 4
-            for (int i = 0; i < Rows::planes; ++i)
-                plane[i] = rows[Rows::indexOf(i, line)];
+            for (int i = 0; i < Rows::planes; ++i) {
+                const int row = Rows::indexOf(i, line);
+                plane[i] = rows[row] + Rows::shape(row).bytes(turn * Samples::lanes);
+            }
         }
     };
-
-    VELA_FUSED static ChromaPairs<Samples> upsampled(ConstLine line)
-    {
-        const Samples pairs = SourceLayout::template loadPairs<Samples>(line, 0);
-        return {pairs, average(pairs, SourceLayout::template loadPairs<Samples>(line, 1))};
-    }
+    using SourceLine = LineOf<Sources, const uint8_t>;
+    using TargetLine = LineOf<Targets, uint8_t>;
 
     VELA_FUSED static void block(uint8_t *const *to, const uint8_t *const *from, const Step &step)
     {
-        if constexpr (SourceLayout::subsampled)
-            fromSubsampled(to, from, step);
-        else
-            fromWholePixels(to, from, step);
+#pragma GCC unroll 4
+        for (int turn = 0; turn < Step::turns; ++turn) {
+            const SourceLine source(from, 0, turn);
+            const TargetLine target(to, 0, turn);
+            const SourceLine lowerSource(from, lines - 1, turn);
+            const TargetLine lowerTarget(to, lines - 1, turn);
+            if constexpr (!SourceLayout::subsampled)
+                fromWholePixels(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step);
+            else if constexpr (!TargetLayout::subsampled)
+                upsample(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step);
+            else
+                keepSubsampled(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step);
+        }
     }
 
-    VELA_FUSED static void fromWholePixels(uint8_t *const *to, const uint8_t *const *from, const Step &step)
+    VELA_FUSED static void fromWholePixels(Line target, Line lowerTarget, ConstLine source, ConstLine lowerSource,
+                                           const Step &step)
     {
-        const LineOf<Sources, const uint8_t> source(from, 0);
-        const LineOf<Targets, uint8_t> target(to, 0);
-        const auto upper = Step::load(source.plane);
+        const auto upper = Step::load(source);
         if constexpr (!TargetLayout::subsampled) {
-            static_assert(lines == 1);
-            TargetLayout::store(target.plane, step(upper));
+            storePixels(target, step(upper));
         } else if constexpr (lines == 1) {
-            putLine(target.plane, step.luma(upper), step.chroma(Step::evens(upper)));
+            putLine<Chroma::uv>(target, step.luma(upper), step.chroma(Step::evens(upper)));
         } else {
-            const LineOf<Sources, const uint8_t> lowerSource(from, 1);
-            const LineOf<Targets, uint8_t> lowerTarget(to, 1);
             const auto evens = Step::evens(upper);
-            TargetLayout::storeLuma(target.plane, step.luma(upper));
-            const auto lower = Step::load(lowerSource.plane);
-            TargetLayout::storeLuma(lowerTarget.plane, step.luma(lower));
-            TargetLayout::storePairs(target.plane, step.chroma(Step::mean(evens, Step::evens(lower))));
+            storeLuma(target, step.luma(upper));
+            const auto lower = Step::load(lowerSource);
+            storeLuma(lowerTarget, step.luma(lower));
+            TargetLayout::template storePairs<Chroma::uv>(target, step.chroma(Step::mean(evens, Step::evens(lower))));
         }
     }
 
-    VELA_FUSED static void fromSubsampled(uint8_t *const *to, const uint8_t *const *from, const Step &step)
+    template <class Block> VELA_FUSED static void storePixels(Line target, const Block &block)
     {
-        const LineOf<Sources, const uint8_t> source(from, 0);
-        const LineOf<Targets, uint8_t> target(to, 0);
-        const LineOf<Sources, const uint8_t> lowerSource(from, lines - 1);
-        const LineOf<Targets, uint8_t> lowerTarget(to, lines - 1);
-        const Samples upper = SourceLayout::template loadLuma<Samples>(source.plane);
-        if constexpr (!TargetLayout::subsampled) {
-            const ChromaPairs<Samples> chroma = upsampled(source.plane);
-            TargetLayout::store(target.plane, step(upper, chroma));
-            if constexpr (lines == 2) // the lower line has the same chroma
-                TargetLayout::store(lowerTarget.plane,
-                                    step(SourceLayout::template loadLuma<Samples>(lowerSource.plane), chroma));
-        } else {
-            Samples pairs = SourceLayout::template loadPairs<Samples>(source.plane, 0);
-            if constexpr (lines == 1) {
-                putLine(target.plane, step.luma(upper), step.chroma(pairs));
-            } else {
-                const Samples lower = SourceLayout::template loadLuma<Samples>(lowerSource.plane);
-                if constexpr (!halvesLines<SourceLayout>())
-                    pairs = average(pairs, SourceLayout::template loadPairs<Samples>(lowerSource.plane, 0));
-                pairs = step.chroma(pairs);
-                putLine(target.plane, step.luma(upper), pairs);
-                if constexpr (halvesLines<TargetLayout>())
-                    TargetLayout::storeLuma(lowerTarget.plane, step.luma(lower));
-                else
-                    putLine(lowerTarget.plane, step.luma(lower), pairs);
-            }
+        if constexpr (lumaPasses)
+            TargetLayout::storeChroma(target, block);
+        else
+            TargetLayout::store(target, block);
+    }
+    template <class Codes> VELA_FUSED static void storePixels(Line target, const PixelFours<Codes> &block)
+    {
+        TargetLayout::storeFours(target, block);
+    }
+    VELA_FUSED static void storePixels(Line target, const PixelWords &block) { TargetLayout::store(target, block); }
+    template <class Luma> VELA_FUSED static void storeLuma(Line target, Luma y)
+    {
+        if constexpr (!lumaPasses)
+            TargetLayout::storeLuma(target, y);
+    }
+
+    VELA_FUSED static void upsample(Line target, Line lowerTarget, ConstLine source, ConstLine lowerSource,
+                                    const Step &step)
+    {
+        const Samples even = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 0);
+        const Samples next = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 1);
+        const ChromaPairs<Samples> chroma = {even, average(even, next)};
+        storePixels(target, step(SourceLayout::template loadLuma<Samples>(source), chroma));
+        if constexpr (lines == 2) // the lower line has the same chroma
+            storePixels(lowerTarget, step(SourceLayout::template loadLuma<Samples>(lowerSource), chroma));
+    }
+
+    VELA_FUSED static void keepSubsampled(Line target, Line lowerTarget, ConstLine source, ConstLine lowerSource,
+                                          const Step &step)
+    {
+        // In the order that costs least: nothing here looks at it.
+        constexpr Chroma order = SourceLayout::order != Chroma::apart   ? SourceLayout::order
+                                 : TargetLayout::order != Chroma::apart ? TargetLayout::order
+                                                                        : Chroma::apart;
+        Samples pairs = SourceLayout::template loadPairs<Samples, order>(source, 0);
+        if constexpr (lines == 2 && !halvesLines<SourceLayout>())
+            pairs = average(pairs, SourceLayout::template loadPairs<Samples, order>(lowerSource, 0));
+        const auto chroma = step.chroma(pairs);
+        putLine<order>(target, step.luma(SourceLayout::template loadLuma<Samples>(source)), chroma);
+        if constexpr (lines == 2) {
+            const auto lower = step.luma(SourceLayout::template loadLuma<Samples>(lowerSource));
+            if constexpr (halvesLines<TargetLayout>())
+                storeLuma(lowerTarget, lower);
+            else
+                putLine<order>(lowerTarget, lower, chroma);
         }
     }
 
-    VELA_FUSED static void putLine(Line target, Samples y, Samples pairs)
+    template <Chroma order, class Codes> VELA_FUSED static void putLine(Line target, Codes y, Codes pairs)
     {
         if constexpr (TargetLayout::packed) {
-            TargetLayout::store(target, y, pairs);
+            TargetLayout::template store<order>(target, y, pairs);
         } else {
-            TargetLayout::storeLuma(target, y);
-            TargetLayout::storePairs(target, pairs);
+            storeLuma(target, y);
+            TargetLayout::template storePairs<order>(target, pairs);
         }
     }
 };
+
+// Copies rows that pass unchanged; where source and target are one row, it stays.
+template <class Rows, class SourceRows>
+inline void passPlane(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, int plane, int lines)
+{
+    for (int line = 0; line < lines; ++line) {
+        uint8_t *target = to[Rows::indexOf(plane, line)];
+        const uint8_t *source = from[SourceRows::indexOf(plane, line)];
+        if (target != source)
+            memcpy(target, source, (size_t)Rows::shape(Rows::indexOf(plane, line)).bytes(n));
+    }
+}
+
+// `more` promises that n is a number of whole blocks and that the source rows go on behind them.
+template <class Inner, class Step>
+inline void convertPlanes(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, const Step &step,
+                          bool more = false)
+{
+    using Targets = typename Inner::Targets;
+    using Sources = typename Inner::Sources;
+    if (n <= 0)
+        return;
+    if constexpr (Inner::lumaPasses)
+        passPlane<Targets, Sources>(to, from, n, 0, Inner::lines);
+    if constexpr (Inner::allPasses()) {
+        for (int plane = 1; plane < Targets::planes; ++plane)
+            passPlane<Targets, Sources>(to, from, n, plane, Targets::linesOf(plane));
+    } else if (more) {
+        runBlocks<Inner>(to, from, n, step);
+    } else {
+        convertRows<Inner>(to, from, n, step);
+    }
+}
 
 } // namespace

@@ -11,6 +11,14 @@ namespace {
 
 using Floats = Pair<f32s>;
 
+// As many words as a register has bytes.
+struct WideWords {
+    static constexpr int lanes = u8s::lanes;
+    u16s low;
+    u16s high;
+};
+VELA_FUSED inline WideWords average(WideWords a, WideWords b) { return {average(a.low, b.low), average(a.high, b.high)}; }
+
 template <int bits> struct SampleOf {
     using Type = u16s;
 };
@@ -22,7 +30,7 @@ template <int bits> using Sample = typename SampleOf<bits>::Type;
 constexpr int largestCode(int bits) { return (1 << bits) - 1; }
 
 // Codes of limited range: the top bits keep their meaning, nothing is rounded.
-template <int from, int to, class Samples> VELA_FUSED inline Samples videoDepth(Samples x)
+template <int from, int to> VELA_FUSED inline u16s videoDepth(u16s x)
 {
     if constexpr (from < to)
         return shiftLeft<to - from>(x);
@@ -30,6 +38,19 @@ template <int from, int to, class Samples> VELA_FUSED inline Samples videoDepth(
         return shiftRight<from - to>(x);
     else
         return x;
+}
+template <int from, int to> VELA_FUSED inline u8s videoDepth(WideWords x)
+{
+    static_assert(to == 8);
+    return narrow(videoDepth<from, to>(x.low), videoDepth<from, to>(x.high));
+}
+template <int from, int to> VELA_FUSED inline auto videoDepth(u8s x)
+{
+    static_assert(from == 8);
+    if constexpr (to == 8)
+        return x;
+    else
+        return WideWords{videoDepth<from, to>(widenLow(x)), videoDepth<from, to>(widenHigh(x))};
 }
 
 template <int bits> VELA_FUSED inline u16s limited(i16s x)
@@ -92,6 +113,23 @@ template <int from, int to> VELA_FUSED inline Sample<to> fullDepth(Sample<from> 
         return toCodes<to>({x.low * largest, x.high * largest});
     } else {
         return fullDepthOfCodes<from, to>(x);
+    }
+}
+
+// The same for pixels side by side, alpha of a depth of its own. Codes to codes need equal depths.
+template <int from, int to, int fromAlpha, int toAlpha> VELA_FUSED inline Sample<to> fullDepthOfFours(Sample<from> x)
+{
+    if constexpr (from != 32 && to == 32) {
+        const f32s unit = splatFours((float)(1.0 / largestCode(from)), (float)(1.0 / largestCode(fromAlpha)));
+        const Floats codes = toFloats(x);
+        return {codes.low * unit, codes.high * unit};
+    } else if constexpr (from == 32 && to != 32 && to != toAlpha) {
+        const f32s largest = splatFours((float)largestCode(to), (float)largestCode(toAlpha));
+        const i16s codes = narrow(toCode<to>(x.low * largest), toCode<to>(x.high * largest));
+        const i16s limit = splatFours((int16_t)largestCode(to), (int16_t)largestCode(toAlpha));
+        return as<u16s>(smaller(larger(codes, zero<i16s>()), limit));
+    } else {
+        return fullDepth<from, to>(x);
     }
 }
 

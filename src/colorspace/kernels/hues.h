@@ -27,6 +27,7 @@ VELA_FUSED inline Floats toFloats(i16s x) { return {toFloat(widenLow(x)), toFloa
 
 template <class Target, class Source> struct RgbToHsl {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = List<>;
 
     VELA_FUSED static Pixels<u16s> load(ConstLine line) { return Source::template load<u16s>(line); }
@@ -86,6 +87,7 @@ struct Weights {
 
 template <class Target, class Source> struct HsvToRgb {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = typename Alpha<Target, Source>::Arguments;
     Alpha<Target, Source> alpha;
 
@@ -113,6 +115,7 @@ template <class Target, class Source> struct HsvToRgb {
 
 template <class Target, class Source> struct HslToRgb {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = typename Alpha<Target, Source>::Arguments;
     Alpha<Target, Source> alpha;
 

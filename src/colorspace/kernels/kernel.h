@@ -20,7 +20,7 @@ struct Kernel<Target, Source, Step, Width, List<To...>, List<From...>, List<Give
         if constexpr (isChunked<Target> || isChunked<Source>)
             convertInChunks<Target, Source>(targets, sources, pixels, Step(given...));
         else
-            convertRows<Conversion<Target, Source, Step>>(targets, sources, pixels, Step(given...));
+            convertPlanes<Conversion<Target, Source, Step>>(targets, sources, pixels, Step(given...));
     }
 };
 
@@ -34,6 +34,24 @@ template <class Target, class Source, class Step, class Width> struct KernelOf {
 template <class Target, class Source, template <class, class> class Step, class Width = int32_t>
 constexpr auto kernel =
     &KernelOf<Target, Source, Step<Unpacked<Target>, Unpacked<Source>>, Width>::Type::convert;
+
+// Layouts whose samples have one order on both sides, as planes of `samples` a pixel. Width in pixels, or whole pairs.
+enum class WidthIn { pixels, pairs };
+template <int samples, WidthIn unit, class Target, class Source, template <class, class> class Step, class To, class From>
+void convertSamples(To *to, const From *from, int32_t width)
+{
+    using Typed = void (*)(To *, const From *, int64_t);
+    const Typed convert = kernel<Target, Source, Step, int64_t>;
+    convert(to, from, (int64_t)samples * (unit == WidthIn::pixels ? width : width & ~1));
+}
+template <class Elements> struct OnlyElement;
+template <class Element> struct OnlyElement<List<Element>> {
+    using Type = Element;
+};
+template <class Layout> using ElementOf = typename OnlyElement<typename Layout::Elements>::Type;
+template <int samples, class Target, class Source, template <class, class> class Step, WidthIn unit = WidthIn::pixels>
+constexpr auto sampleKernel =
+    &convertSamples<samples, unit, Target, Source, Step, ElementOf<Target>, ElementOf<Source>>;
 
 // DPX with alpha: the caller says in which order the components are.
 template <int spare> void convertDpx4ToF32x4(float *dst, const uint32_t *src, int32_t width, int32_t reversed)

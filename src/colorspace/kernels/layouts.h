@@ -43,17 +43,51 @@ using ConstLine = const uint8_t *const *; // the same of a source
 template <class Element> struct Memory;
 
 template <> struct Memory<uint16_t> {
-    template <class> VELA_FUSED static u16s load(const uint8_t *from) { return ::load<u16s>(from); }
-    VELA_FUSED static void store(uint8_t *to, u16s x) { ::store(to, x); }
-    template <class> VELA_FUSED static u16s loadPairs(const uint8_t *u, const uint8_t *v)
+    template <class Samples> VELA_FUSED static Samples load(const uint8_t *from)
     {
-        return interleaveLow(loadHalf<u16s>(u), loadHalf<u16s>(v));
+        if constexpr (Samples::lanes == u16s::lanes)
+            return ::load<u16s>(from);
+        else
+            return {::load<u16s>(from), ::load<u16s>(from + sizeof(u16s))};
     }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x)
+    VELA_FUSED static void store(uint8_t *to, u16s x) { ::store(to, x); }
+    VELA_FUSED static void store(uint8_t *to, WideWords x)
     {
-        const u16s split = splitPairs(x);
-        storeHalf(u, split);
-        storeUpperHalf(v, split);
+        ::store(to, x.low);
+        ::store(to + sizeof(u16s), x.high);
+    }
+    template <class Samples> VELA_FUSED static Samples loadPairs(const uint8_t *u, const uint8_t *v)
+    {
+        if constexpr (Samples::lanes == u16s::lanes) {
+            return interleaveLow(loadHalf<u16s>(u), loadHalf<u16s>(v));
+        } else {
+            const u16s us = ::load<u16s>(u);
+            const u16s vs = ::load<u16s>(v);
+            return {interleaveLow(us, vs), interleaveHigh(us, vs)};
+        }
+    }
+    template <class Samples> VELA_FUSED static Samples loadApart(const uint8_t *u, const uint8_t *v)
+    {
+        if constexpr (Samples::lanes == u16s::lanes)
+            return loadHalves<u16s>(u, v);
+        else
+            return {::load<u16s>(u), ::load<u16s>(v)};
+    }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { storeApart(u, v, splitPairs(x)); }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, WideWords x)
+    {
+        ::store(u, evens(x.low, x.high));
+        ::store(v, odds(x.low, x.high));
+    }
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u16s x)
+    {
+        storeHalf(u, x);
+        storeUpperHalf(v, x);
+    }
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, WideWords x)
+    {
+        ::store(u, x.low);
+        ::store(v, x.high);
     }
 };
 
@@ -74,13 +108,21 @@ template <> struct Memory<uint8_t> {
         else
             return ::loadPairs(u, v);
     }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u8s x)
+    template <class Samples> VELA_FUSED static Samples loadApart(const uint8_t *u, const uint8_t *v)
     {
-        const u8s split = splitPairs(x);
-        storeHalf(u, split);
-        storeUpperHalf(v, split);
+        if constexpr (Samples::lanes == u8s::lanes)
+            return loadHalves<u8s>(u, v);
+        else
+            return ::loadApart(u, v);
     }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { ::storePairs(u, v, x); }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u8s x) { storeApart(u, v, splitPairs(x)); }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { storeApart(u, v, splitPairs(x)); }
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u8s x)
+    {
+        storeHalf(u, x);
+        storeUpperHalf(v, x);
+    }
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u16s x) { ::storeApart(u, v, as<i16s>(x)); }
 };
 
 template <> struct Memory<int16_t> : Memory<uint16_t> {};
@@ -105,7 +147,14 @@ struct WholePixels {
     static constexpr bool subsampled = false;
     static constexpr bool pairsOnly = false; // rows hold whole pixel pairs
     static constexpr bool inBytes = false;   // has blocks of bytes
+    static constexpr bool inFours = false;   // loads and stores the components of a pixel side by side, too
+    static constexpr bool oneComponent = false;
+    static constexpr bool lumaInPlane = false; // the first
 };
+
+// Words R G B A R G B A ... of a block, or floats in registers of words: for steps that treat components alike. Where a
+// source has no alpha it is 0.
+template <class Samples> using PixelFours = Fours<Samples>;
 
 // Pixels that a move takes as they are: words of 32 bits, four registers to a block.
 using PixelWords = Fours<u32s>;
@@ -115,9 +164,10 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
     using Elements = List<uint8_t>;
     static constexpr RowShape rows[] = {{bytes}};
     static constexpr int depths[] = {8, 8, 8, alphaAt < 0 ? 0 : 8};
+    static constexpr bool inBytes = true;
+    static constexpr bool inFours = bytes == 3 || alphaAt >= 0;
     static constexpr int at[] = {at0, at1, at2, alphaAt};
 
-    static constexpr bool isWords = true;
     // The words of `part` of the block, a register's worth.
     VELA_FUSED static u32s loadWords(const uint8_t *row, int part)
     {
@@ -126,28 +176,41 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
         else
             return loadPixels24(row + part * 3 * u32s::lanes);
     }
-    template <class> VELA_FUSED static Pixels<u16s> load(ConstLine line)
+    VELA_FUSED static PixelWords loadWords(const uint8_t *row)
     {
-        const Fours<u16s> x = splitFours(Pair<u32s>{loadWords(line[0], 0), loadWords(line[0], 1)});
-        const u16s byte[] = {x.a, x.b, x.c, x.d};
+        return {loadWords(row, 0), loadWords(row, 1), loadWords(row, 2), loadWords(row, 3)};
+    }
+    template <class Samples> VELA_FUSED static Pixels<Samples> load(ConstLine line)
+    {
+        Fours<Samples> x;
+        if constexpr (Samples::lanes == u8s::lanes)
+            x = splitFours(loadWords(line[0]));
+        else
+            x = splitFours(Pair<u32s>{loadWords(line[0], 0), loadWords(line[0], 1)});
+        const Samples byte[] = {x.a, x.b, x.c, x.d};
         return {{byte[at0], byte[at1], byte[at2]}, byte[alphaAt < 0 ? at0 : alphaAt]};
     }
-    VELA_FUSED static void store(Line line, Pixels<u16s> x)
+    template <class Samples> VELA_FUSED static void store(Line line, Pixels<Samples> x)
     {
-        u16s byte[] = {x.c[0], x.c[0], x.c[0], x.c[0]}; // one of them is the fourth byte of a pixel of three
+        Samples byte[] = {x.c[0], x.c[0], x.c[0], x.c[0]}; // one of them is the fourth byte of a pixel of three
         byte[at0] = x.c[0];
         byte[at1] = x.c[1];
         byte[at2] = x.c[2];
         if constexpr (alphaAt >= 0)
             byte[alphaAt] = x.a;
-        const Pair<u32s> words =
-            interleaveFours(as<i16s>(byte[0]), as<i16s>(byte[1]), as<i16s>(byte[2]), as<i16s>(byte[3]));
+        if constexpr (Samples::lanes == u8s::lanes)
+            store(line, interleaveFours(byte[0], byte[1], byte[2], byte[3]));
+        else
+            storeWords(line[0], interleaveFours(as<i16s>(byte[0]), as<i16s>(byte[1]), as<i16s>(byte[2]), as<i16s>(byte[3])));
+    }
+    VELA_FUSED static void storeWords(uint8_t *row, Pair<u32s> words)
+    {
         if constexpr (bytes == 4) {
-            ::store(line[0], words.low);
-            ::store(line[0] + sizeof(u32s), words.high);
+            ::store(row, words.low);
+            ::store(row + sizeof(u32s), words.high);
         } else {
-            storePixels24(line[0], words.low);
-            storePixels24(line[0] + 3 * u32s::lanes, words.high);
+            storePixels24(row, words.low);
+            storePixels24(row + 3 * u32s::lanes, words.high);
         }
     }
 
@@ -161,6 +224,26 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
         } else {
             storePixels24(line[0], x.a, x.b, x.c, x.d);
         }
+    }
+
+    VELA_FUSED static PixelFours<u16s> loadFours(ConstLine line)
+    {
+        constexpr int last = alphaAt < 0 ? 3 : alphaAt; // of three bytes a 0
+        const Pair<u16s> low = widenFours<at0, at1, at2, last>(loadWords(line[0], 0));
+        const Pair<u16s> high = widenFours<at0, at1, at2, last>(loadWords(line[0], 1));
+        return {low.low, low.high, high.low, high.high};
+    }
+    static constexpr int componentAt(int byte)
+    {
+        for (int i = 0; i < 4; ++i)
+            if (at[i] == byte)
+                return i;
+        return 3;
+    }
+    VELA_FUSED static void storeFours(Line line, PixelFours<u16s> x)
+    {
+        storeWords(line[0], {narrowFours<componentAt(0), componentAt(1), componentAt(2), componentAt(3)>(x.a, x.b),
+                             narrowFours<componentAt(0), componentAt(1), componentAt(2), componentAt(3)>(x.c, x.d)});
     }
 
     static constexpr int placeOf(int component) { return at[component]; }
@@ -208,6 +291,7 @@ struct FieldPixels32 : WholePixels {
     static constexpr RowShape rows[] = {{4}};
     static constexpr int depths[] = {10, 10, 10, hasAlpha ? 2 : 0};
     static constexpr int at[] = {at0, at1, at2, hasAlpha ? 30 : -1};
+    static constexpr bool inFours = true;
     static constexpr int spare = at0 % 10; // bits below the fields
     static constexpr bool isBig = order == ByteOrder::big;
 
@@ -261,6 +345,39 @@ struct FieldPixels32 : WholePixels {
         storeWords(line[0], 1, shiftLeft<spare>(as<u32s>(interleaveHigh(low, high))));
     }
 
+    VELA_FUSED static void loadFours(u16s &low, u16s &high, u32s words)
+    {
+        const u32s field = splat32(0x3FF);
+        const u32s rg = (shiftRight<at0>(words) & field) | (shiftLeft<16>(shiftRight<at1>(words) & field));
+        u32s ba = shiftRight<at2>(words) & field;
+        if constexpr (hasAlpha)
+            ba = ba | shiftLeft<16>(shiftRight<30>(words));
+        low = as<u16s>(interleaveLow(rg, ba));
+        high = as<u16s>(interleaveHigh(rg, ba));
+    }
+    VELA_FUSED static PixelFours<u16s> loadFours(ConstLine line)
+    {
+        PixelFours<u16s> x;
+        loadFours(x.a, x.b, loadWords(line[0], 0));
+        loadFours(x.c, x.d, loadWords(line[0], 1));
+        return x;
+    }
+    VELA_FUSED static u32s joinFours(u16s low, u16s high)
+    {
+        const u32s rg = evens(as<u32s>(low), as<u32s>(high));
+        const u32s ba = odds(as<u32s>(low), as<u32s>(high));
+        const u32s first = splat32(0xFFFF);
+        u32s words = shiftLeft<at0>(rg & first) | shiftLeft<at1>(shiftRight<16>(rg)) | shiftLeft<at2>(ba & first);
+        if constexpr (hasAlpha)
+            words = words | shiftLeft<30>(shiftRight<16>(ba));
+        return words;
+    }
+    VELA_FUSED static void storeFours(Line line, PixelFours<u16s> x)
+    {
+        storeWords(line[0], 0, joinFours(x.a, x.b));
+        storeWords(line[0], 1, joinFours(x.c, x.d));
+    }
+
     static constexpr int placeOf(int component) { return at[component] / 10; }
     VELA_FUSED static Terms loadTerms(ConstLine line, int part)
     {
@@ -275,16 +392,38 @@ template <int words, int at0, int at1, int at2, int alphaAt, int bits = 16> stru
     using Elements = List<uint16_t>;
     static constexpr RowShape rows[] = {{2 * words}};
     static constexpr int depths[] = {bits, bits, bits, alphaAt < 0 ? 0 : bits};
+    static constexpr bool inFours = at0 == 0 && at1 == 1 && at2 == 2;
+
+    VELA_FUSED static Fours<u16s> loadWords(const uint8_t *row)
+    {
+        if constexpr (words == 4)
+            return {::load<u16s>(row), ::load<u16s>(row + sizeof(u16s)), ::load<u16s>(row + 2 * sizeof(u16s)),
+                    ::load<u16s>(row + 3 * sizeof(u16s))};
+        else
+            return loadThrees4(row);
+    }
+    VELA_FUSED static void storeWords(uint8_t *row, Fours<u16s> x)
+    {
+        if constexpr (words == 4) {
+            ::store(row, x.a);
+            ::store(row + sizeof(u16s), x.b);
+            ::store(row + 2 * sizeof(u16s), x.c);
+            ::store(row + 3 * sizeof(u16s), x.d);
+        } else {
+            storeThrees4(row, x);
+        }
+    }
+    VELA_FUSED static PixelFours<u16s> loadFours(ConstLine line)
+    {
+        const Fours<u16s> x = loadWords(line[0]);
+        const u16s mask = as<u16s>(splat64(alphaAt < 0 ? 0x0000FFFFFFFFFFFF : 0xFFFFFFFFFFFFFFFF));
+        return {x.a & mask, x.b & mask, x.c & mask, x.d & mask};
+    }
+    VELA_FUSED static void storeFours(Line line, PixelFours<u16s> x) { storeWords(line[0], x); }
 
     template <class> VELA_FUSED static Pixels<u16s> load(ConstLine line)
     {
-        const uint8_t *row = line[0];
-        Fours<u16s> x;
-        if constexpr (words == 4)
-            x = splitFours(Fours<u16s>{::load<u16s>(row), ::load<u16s>(row + sizeof(u16s)),
-                                       ::load<u16s>(row + 2 * sizeof(u16s)), ::load<u16s>(row + 3 * sizeof(u16s))});
-        else
-            x = splitFours(loadThrees4(row));
+        const Fours<u16s> x = splitFours(loadWords(line[0]));
         const u16s word[] = {x.a, x.b, x.c, x.d};
         return {{word[at0], word[at1], word[at2]}, word[alphaAt < 0 ? at0 : alphaAt]};
     }
@@ -296,15 +435,7 @@ template <int words, int at0, int at1, int at2, int alphaAt, int bits = 16> stru
         word[at2] = x.c[2];
         if constexpr (alphaAt >= 0)
             word[alphaAt] = x.a;
-        const Fours<u16s> pixels = interleaveFours(word[0], word[1], word[2], word[3]);
-        if constexpr (words == 4) {
-            ::store(line[0], pixels.a);
-            ::store(line[0] + sizeof(u16s), pixels.b);
-            ::store(line[0] + 2 * sizeof(u16s), pixels.c);
-            ::store(line[0] + 3 * sizeof(u16s), pixels.d);
-        } else {
-            storeThrees4(line[0], pixels);
-        }
+        storeWords(line[0], interleaveFours(word[0], word[1], word[2], word[3]));
     }
 };
 
@@ -313,7 +444,23 @@ struct FloatPixels : WholePixels {
     using Elements = List<float>;
     static constexpr RowShape rows[] = {{16}};
     static constexpr int depths[] = {32, 32, 32, 32};
+    static constexpr bool inFours = true;
 
+    VELA_FUSED static Floats loadFloats(const uint8_t *row, int part)
+    {
+        return Memory<float>::load<Floats>(row + part * (int)sizeof(Floats));
+    }
+    VELA_FUSED static PixelFours<Floats> loadFours(ConstLine line)
+    {
+        return {loadFloats(line[0], 0), loadFloats(line[0], 1), loadFloats(line[0], 2), loadFloats(line[0], 3)};
+    }
+    VELA_FUSED static void storeFours(Line line, PixelFours<Floats> x)
+    {
+        Memory<float>::store(line[0], x.a);
+        Memory<float>::store(line[0] + sizeof(Floats), x.b);
+        Memory<float>::store(line[0] + 2 * sizeof(Floats), x.c);
+        Memory<float>::store(line[0] + 3 * sizeof(Floats), x.d);
+    }
     VELA_FUSED static Fours<f32s> loadPart(const uint8_t *row)
     {
         return splitFours(Fours<f32s>{::load<f32s>(row), ::load<f32s>(row + sizeof(f32s)),
@@ -346,6 +493,7 @@ template <class Element, int bits, int plane0 = 0, int plane1 = 1, int plane2 = 
     static constexpr RowShape rows[] = {{sizeof(Element)}, {sizeof(Element)}, {sizeof(Element)}};
     static constexpr int depths[] = {bits, bits, bits, 0};
     static constexpr bool inBytes = sizeof(Element) == 1;
+    static constexpr bool lumaInPlane = plane0 == 0;
 
     template <class Samples> VELA_FUSED static auto load(ConstLine line)
     {
@@ -356,6 +504,10 @@ template <class Element, int bits, int plane0 = 0, int plane1 = 1, int plane2 = 
     template <class Samples> VELA_FUSED static void store(Line line, Pixels<Samples> x)
     {
         Memory<Element>::store(line[plane0], x.c[0]);
+        storeChroma(line, x);
+    }
+    template <class Samples> VELA_FUSED static void storeChroma(Line line, Pixels<Samples> x)
+    {
         Memory<Element>::store(line[plane1], x.c[1]);
         Memory<Element>::store(line[plane2], x.c[2]);
     }
@@ -375,6 +527,8 @@ template <class Element, int bits> struct Single : WholePixels {
     using Elements = List<Element>;
     static constexpr RowShape rows[] = {{sizeof(Element)}};
     static constexpr int depths[] = {bits, bits, bits, 0};
+    static constexpr bool inBytes = sizeof(Element) == 1;
+    static constexpr bool oneComponent = true;
 
     template <class Samples> VELA_FUSED static auto load(ConstLine line)
     {
@@ -390,6 +544,7 @@ template <class Element, int bits> struct Single : WholePixels {
 // Y in a plane, U V of every pixel as pairs in another.
 template <class Element, int bits> struct LumaAndPairs : WholePixels {
     using Elements = List<Element, Element>;
+    static constexpr bool lumaInPlane = true;
     static constexpr RowShape rows[] = {{sizeof(Element)}, {2 * sizeof(Element)}};
     static constexpr int depths[] = {bits, bits, bits, 0};
     static constexpr bool inBytes = sizeof(Element) == 1;
@@ -404,6 +559,10 @@ template <class Element, int bits> struct LumaAndPairs : WholePixels {
     template <class Samples> VELA_FUSED static void store(Line line, Pixels<Samples> x)
     {
         Memory<Element>::store(line[0], x.c[0]);
+        storeChroma(line, x);
+    }
+    template <class Samples> VELA_FUSED static void storeChroma(Line line, Pixels<Samples> x)
+    {
         Memory<Element>::store(line[1], interleaveLow(x.c[1], x.c[2]));
         Memory<Element>::store(line[1] + Samples::lanes * sizeof(Element), interleaveHigh(x.c[1], x.c[2]));
     }
@@ -416,19 +575,31 @@ template <class Element, int bits> struct SubsampledYuv {
     static constexpr bool subsampled = true;
     static constexpr bool pairsOnly = false;
     static constexpr bool inBytes = sizeof(Element) == 1;
+    static constexpr bool oneComponent = false;
     static constexpr bool packed = false; // luma and chroma in one plane
+    static constexpr bool lumaInPlane = true;
     static constexpr int depths[] = {bits, bits, bits, 0};
 };
 
 VELA_FUSED inline u8s swapPairs(u8s x) { return as<u8s>(swapBytes(as<u16s>(x))); }
 VELA_FUSED inline u16s swapPairs(u16s x) { return orderFours<1, 0, 3, 2>(x); }
+VELA_FUSED inline WideWords swapPairs(WideWords x) { return {swapPairs(x.low), swapPairs(x.high)}; }
 
 enum class Lines { all, halved }; // of chroma: 4:2:2, 4:2:0
-enum class Chroma { uv, vu };
+
+// Chroma in a register: pairs U V, pairs V U, or U in the lower half and V in the upper. `order` is a layout's own.
+enum class Chroma { uv, vu, apart };
+
+template <Chroma to, Chroma from, class Samples> VELA_FUSED inline Samples inOrder(Samples pairs)
+{
+    static_assert(to != Chroma::apart && from != Chroma::apart);
+    return to == from ? pairs : swapPairs(pairs);
+}
 
 // Planes Y, U, V.
 template <class Element, int bits, Lines lines> struct PlanarYuv : SubsampledYuv<Element, bits> {
     using Elements = List<Element, Element, Element>;
+    static constexpr Chroma order = Chroma::apart;
     static constexpr bool halved = lines == Lines::halved;
     static constexpr RowShape rows[] = {{sizeof(Element)}, {sizeof(Element), 2, halved}, {sizeof(Element), 2, halved}};
 
@@ -436,18 +607,29 @@ template <class Element, int bits, Lines lines> struct PlanarYuv : SubsampledYuv
     {
         return Memory<Element>::template load<Samples>(line[0]);
     }
-    template <class Samples> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
+    template <class Samples, Chroma wanted> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
     {
-        const int bytes = ahead * (int)sizeof(Element);
-        return Memory<Element>::template loadPairs<Samples>(line[1] + bytes, line[2] + bytes);
+        const uint8_t *u = line[1] + ahead * (int)sizeof(Element);
+        const uint8_t *v = line[2] + ahead * (int)sizeof(Element);
+        if constexpr (wanted == Chroma::apart)
+            return Memory<Element>::template loadApart<Samples>(u, v);
+        else if constexpr (wanted == Chroma::uv)
+            return Memory<Element>::template loadPairs<Samples>(u, v);
+        else
+            return Memory<Element>::template loadPairs<Samples>(v, u);
     }
     template <class Samples> VELA_FUSED static void storeLuma(Line line, Samples y)
     {
         Memory<Element>::store(line[0], y);
     }
-    template <class Samples> VELA_FUSED static void storePairs(Line line, Samples uv)
+    template <Chroma given, class Samples> VELA_FUSED static void storePairs(Line line, Samples pairs)
     {
-        Memory<Element>::storePairs(line[1], line[2], uv);
+        if constexpr (given == Chroma::apart)
+            Memory<Element>::storeApart(line[1], line[2], pairs);
+        else if constexpr (given == Chroma::uv)
+            Memory<Element>::storePairs(line[1], line[2], pairs);
+        else
+            Memory<Element>::storePairs(line[2], line[1], pairs);
     }
 };
 
@@ -455,24 +637,25 @@ template <class Element, int bits, Lines lines> struct PlanarYuv : SubsampledYuv
 template <class Element, int bits, Lines lines, Chroma chroma = Chroma::uv>
 struct SemiPlanarYuv : SubsampledYuv<Element, bits> {
     using Elements = List<Element, Element>;
+    static constexpr Chroma order = chroma;
     static constexpr RowShape rows[] = {{sizeof(Element)}, {2 * sizeof(Element), 2, lines == Lines::halved}};
 
     template <class Samples> VELA_FUSED static Samples loadLuma(ConstLine line)
     {
         return Memory<Element>::template load<Samples>(line[0]);
     }
-    template <class Samples> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
+    template <class Samples, Chroma wanted> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
     {
-        const Samples pairs = Memory<Element>::template load<Samples>(line[1] + ahead * 2 * (int)sizeof(Element));
-        return chroma == Chroma::uv ? pairs : swapPairs(pairs);
+        return inOrder<wanted, chroma>(
+            Memory<Element>::template load<Samples>(line[1] + ahead * 2 * (int)sizeof(Element)));
     }
     template <class Samples> VELA_FUSED static void storeLuma(Line line, Samples y)
     {
         Memory<Element>::store(line[0], y);
     }
-    template <class Samples> VELA_FUSED static void storePairs(Line line, Samples uv)
+    template <Chroma given, class Samples> VELA_FUSED static void storePairs(Line line, Samples pairs)
     {
-        Memory<Element>::store(line[1], chroma == Chroma::uv ? uv : swapPairs(uv));
+        Memory<Element>::store(line[1], inOrder<chroma, given>(pairs));
     }
 };
 
@@ -480,7 +663,9 @@ struct SemiPlanarYuv : SubsampledYuv<Element, bits> {
 template <class Element, int bits, int lumaAt, Chroma chroma = Chroma::uv>
 struct PackedYuv : SubsampledYuv<Element, bits> {
     using Elements = List<Element>;
+    static constexpr Chroma order = chroma;
     static constexpr bool packed = true;
+    static constexpr bool lumaInPlane = false;
     static constexpr bool pairsOnly = true;
     static constexpr RowShape rows[] = {{4 * sizeof(Element), 2}};
 
@@ -500,16 +685,16 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     {
         return loadEvery2<Samples, lumaAt>(line[0]);
     }
-    template <class Samples> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
+    template <class Samples, Chroma wanted> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
     {
-        const Samples pairs = loadEvery2<Samples, 1 - lumaAt>(line[0] + ahead * 4 * (int)sizeof(Element));
-        return chroma == Chroma::uv ? pairs : swapPairs(pairs);
+        return inOrder<wanted, chroma>(
+            loadEvery2<Samples, 1 - lumaAt>(line[0] + ahead * 4 * (int)sizeof(Element)));
     }
-    template <class Samples> VELA_FUSED static void store(Line line, Samples y, Samples pairs)
+    template <Chroma given, class Samples> VELA_FUSED static void store(Line line, Samples y, Samples pairs)
     {
-        const Samples uv = chroma == Chroma::uv ? pairs : swapPairs(pairs);
-        const Samples even = lumaAt == 0 ? y : uv;
-        const Samples odd = lumaAt == 0 ? uv : y;
+        const Samples c = inOrder<chroma, given>(pairs);
+        const Samples even = lumaAt == 0 ? y : c;
+        const Samples odd = lumaAt == 0 ? c : y;
         if constexpr (sizeof(Element) * Samples::lanes < sizeof(Samples)) {
             ::store(line[0], narrowInterleaved(as<i16s>(even), as<i16s>(odd)));
         } else {
@@ -522,13 +707,14 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
 // Only the luma of 4:2:2: chroma is dropped, or that of grey.
 template <class Element, int bits> struct LumaOf422 : SubsampledYuv<Element, bits> {
     using Elements = List<Element>;
+    static constexpr Chroma order = Chroma::apart;
     static constexpr RowShape rows[] = {{sizeof(Element)}};
 
     template <class Samples> VELA_FUSED static Samples loadLuma(ConstLine line)
     {
         return Memory<Element>::template load<Samples>(line[0]);
     }
-    template <class Samples> VELA_FUSED static Samples loadPairs(ConstLine, int)
+    template <class Samples, Chroma> VELA_FUSED static Samples loadPairs(ConstLine, int)
     {
         static_assert(bits == 8 && Samples::lanes == u8s::lanes);
         return splat8(128);
@@ -537,7 +723,7 @@ template <class Element, int bits> struct LumaOf422 : SubsampledYuv<Element, bit
     {
         Memory<Element>::store(line[0], y);
     }
-    template <class Samples> VELA_FUSED static void storePairs(Line, Samples) {}
+    template <Chroma, class Samples> VELA_FUSED static void storePairs(Line, Samples) {}
 };
 
 // --- As arguments --------------------------------------------------------------------------------------------
@@ -554,7 +740,7 @@ using Bgra32 = BytePixels<4, 2, 1, 0, 3>;
 using Rgba32 = BytePixels<4, 0, 1, 2, 3>;
 using Argb32 = BytePixels<4, 1, 2, 3, 0>;
 using Abgr32 = BytePixels<4, 3, 2, 1, 0>;
-using Rgb32 = Bgra32;
+using Bgrx32 = BytePixels<4, 2, 1, 0, -1>;
 using Word32 = Typed<Rgba32, uint32_t>;
 using WordSwapped32 = Typed<Abgr32, uint32_t>;
 using Bgr24 = BytePixels<3, 2, 1, 0, -1>;

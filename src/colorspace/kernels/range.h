@@ -40,6 +40,7 @@ template <int depth> VELA_FUSED inline u16s changeRange(u16s x, const RangeRule 
 template <class Source, const RangeRule &luma_, const RangeRule &chroma_> struct ChangeRange {
     static constexpr int depth = Source::depths[0];
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = List<>;
 
     VELA_FUSED static Pixels<u16s> load(ConstLine line) { return Source::template load<u16s>(line); }

@@ -180,8 +180,8 @@ template <class Conversion, class Step, int... t, int... s>
     const uint8_t *source[] = {sources[s]...};
     for (; count > 0; count -= Conversion::size) {
         Conversion::block(target, source, step);
-        ((target[t] += Conversion::Targets::shape(t).bytes(Conversion::size)), ...);
-        ((source[s] += Conversion::Sources::shape(s).bytes(Conversion::size)), ...);
+        ((target[t] += Conversion::targetShape(t).bytes(Conversion::size)), ...);
+        ((source[s] += Conversion::sourceShape(s).bytes(Conversion::size)), ...);
     }
 }
 template <class Conversion, class Step>
@@ -193,20 +193,20 @@ inline void runBlocks(uint8_t *const *targets, const uint8_t *const *sources, pt
 
 template <class Conversion, int... t> constexpr auto targetEnds(Indices<t...>)
 {
-    return layOut<sizeof...(t)>({{{Conversion::Targets::shape(t), false, false, 0}...}, 0, false}, Conversion::size);
+    return layOut<sizeof...(t)>({{{Conversion::targetShape(t), false, false, 0}...}, 0, false}, Conversion::size);
 }
 template <class Conversion, int... s> constexpr auto sourceEnds(Indices<s...>)
 {
-    return layOut<sizeof...(s)>({{{Conversion::Sources::shape(s), Conversion::readsNext(s) || Conversion::mayBeTarget(s),
+    return layOut<sizeof...(s)>({{{Conversion::sourceShape(s), Conversion::readsNext(s) || Conversion::mayBeTarget(s),
                                    Conversion::readsNext(s), 0}...},
                                  0,
                                  false},
                                 Conversion::size);
 }
 
-// Converts n pixels. A conversion has the Targets and Sources (RowsOf), its block's `size` in pixels, `inPairs` if
-// blocks must start at even pixels, says which sources it reads one unit beyond the block and which may be the target,
-// and does a block.
+// Converts n pixels. A conversion has the Targets and Sources (RowsOf), the shapes of their rows (units of 0 bytes for
+// those that blocks do not touch), its block's `size` in pixels, `inPairs` if blocks must start at even pixels, says
+// which sources it reads one unit beyond the block and which may be the target, and does a block.
 template <class Conversion, class Step>
 inline void convertRows(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, const Step &step)
 {

@@ -36,7 +36,9 @@ template <class Target, class Source, AlphaFrom from = alphaFrom<Target, Source>
 
     template <class Samples> VELA_FUSED auto operator()(Samples carried) const
     {
-        if constexpr (from == AlphaFrom::source)
+        if constexpr (from == AlphaFrom::source && Source::depths[3] == depth)
+            return carried;
+        else if constexpr (from == AlphaFrom::source)
             return fullDepth<Source::depths[3], depth>(carried);
         else if constexpr (from == AlphaFrom::nowhere)
             return Anything();
@@ -52,49 +54,59 @@ template <class Target, class Source> struct Alpha<Target, Source, AlphaFrom::ar
     using Arguments = List<Choose<Target::depths[3] == 8, uint8_t, uint16_t>>;
 
     explicit Alpha(uint16_t value) : alpha(splat16(value)) {}
-    template <class Samples> VELA_FUSED u16s operator()(Samples) const { return alpha; }
+    template <class Samples> VELA_FUSED auto operator()(Samples) const
+    {
+        if constexpr (Samples::lanes == u8s::lanes)
+            return as<u8s>(alpha | shiftLeft<8>(alpha));
+        else
+            return alpha;
+    }
 };
 
 // --- Depths --------------------------------------------------------------------------------------------------
 
 // YUV to another depth, or only another layout.
 template <class Target, class Source> struct Video {
-    static constexpr bool inBytes = Target::inBytes && Source::inBytes;
-    using Samples = Choose<inBytes, u8s, u16s>;
+    // Blocks of bytes: where both sides are bytes, and where planes change between bytes and words.
+    static constexpr bool planes = Target::subsampled == Source::subsampled && Target::oneComponent == Source::oneComponent &&
+                                   (Target::subsampled || Target::oneComponent) && (Target::inBytes || Source::inBytes);
+    static constexpr bool inBytes = planes || (Target::inBytes && Source::inBytes);
+    using Samples = Choose<inBytes, Choose<Source::inBytes, u8s, WideWords>, u16s>;
+    // Samples that pass unchanged.
+    static constexpr bool passes = Target::depths[0] == Source::depths[0];
+    static constexpr int turns = Target::oneComponent ? 4 : 2;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
     Alpha<Target, Source> alpha;
 
     template <class... Values> explicit Video(Values... values) : alpha(values...) {}
 
-    VELA_FUSED static Samples depth(Samples x) { return videoDepth<Source::depths[0], Target::depths[0]>(x); }
+    VELA_FUSED static auto depth(Samples x) { return videoDepth<Source::depths[0], Target::depths[0]>(x); }
     VELA_FUSED static auto load(ConstLine line) { return Source::template load<Samples>(line); }
-    VELA_FUSED Pixels<Samples> operator()(Pixels<Samples> x) const
+    VELA_FUSED auto operator()(Pixels<Samples> x) const
     {
-        if constexpr (inBytes)
-            return x;
-        else
-            return {{depth(x.c[0]), depth(x.c[1]), depth(x.c[2])}, alpha(x.a)};
+        return Pixels<decltype(depth(x.c[0]))>{{depth(x.c[0]), depth(x.c[1]), depth(x.c[2])}, alpha(x.a)};
     }
-    VELA_FUSED Pixels<Samples> operator()(Samples y, ChromaPairs<Samples> c) const
+    VELA_FUSED auto operator()(Samples y, ChromaPairs<Samples> c) const
     {
         return (*this)(pixels(y, pairEvens(c.even, c.odd), pairOdds(c.even, c.odd), y));
     }
-    VELA_FUSED Samples luma(Samples y) const { return depth(y); }
-    VELA_FUSED Samples luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
+    VELA_FUSED auto luma(Samples y) const { return depth(y); }
+    VELA_FUSED auto luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
     VELA_FUSED static Samples evens(const Pixels<Samples> &x) { return pairEvens(x.c[1], x.c[2]); }
     VELA_FUSED static Samples mean(Samples a, Samples b) { return average(a, b); }
-    VELA_FUSED Samples chroma(Samples pairs) const { return depth(pairs); }
+    VELA_FUSED auto chroma(Samples pairs) const { return depth(pairs); }
 };
 
-// RGB, grey, alpha to another depth; floats among them.
-template <class Target, class Source> struct Full {
+// RGB, grey, alpha to another depth, floats among them: by component.
+template <class Target, class Source> struct FullByPlanes {
     using Samples = u16s;
+    static constexpr int turns = Target::oneComponent && Source::oneComponent ? 4 : 1;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
     Alpha<Target, Source> alpha;
 
-    template <class... Values> explicit Full(Values... values) : alpha(values...) {}
+    template <class... Values> explicit FullByPlanes(Values... values) : alpha(values...) {}
 
     template <int i, class Codes> VELA_FUSED static auto depth(Codes x)
     {
@@ -107,9 +119,65 @@ template <class Target, class Source> struct Full {
     }
 };
 
+// By pixel, where a step treats components alike: nothing needs to be taken apart and joined again.
+template <class Target, class Source> struct FullByFours {
+    static constexpr int from = Source::depths[0];
+    static constexpr int to = Target::depths[0];
+    static constexpr AlphaFrom alphaSource = alphaFrom<Target, Source>();
+    static constexpr bool addsAlpha = alphaSource == AlphaFrom::argument || alphaSource == AlphaFrom::opaque;
+    using Samples = u16s;
+    static constexpr int turns = 1;
+    using Arguments = typename Alpha<Target, Source>::Arguments;
+
+    Sample<to> alpha; // zeros at the other components
+
+    explicit FullByFours(uint16_t value = 0xFFFF)
+    {
+        if constexpr (to == 32)
+            alpha = {splatFours(0.0f, 1.0f), splatFours(0.0f, 1.0f)};
+        else
+            alpha = as<u16s>(splatFours(0, (int16_t)(Target::depths[3] == 2 ? 3 : value)));
+    }
+
+    VELA_FUSED static auto load(ConstLine line) { return Source::loadFours(line); }
+    template <class Codes> VELA_FUSED PixelFours<Sample<to>> operator()(PixelFours<Codes> x) const
+    {
+        return {depth(x.a), depth(x.b), depth(x.c), depth(x.d)};
+    }
+
+private:
+    static constexpr int alphaOr(int depth, int other) { return depth ? depth : other; }
+    VELA_FUSED Sample<to> depth(Sample<from> x) const
+    {
+        const Sample<to> y =
+            fullDepthOfFours<from, to, alphaOr(Source::depths[3], from), alphaOr(Target::depths[3], to)>(x);
+        if constexpr (!addsAlpha)
+            return y;
+        else if constexpr (to == 32)
+            return {y.low | alpha.low, y.high | alpha.high};
+        else
+            return y | alpha;
+    }
+};
+
+template <class Target, class Source> constexpr bool fullByFours()
+{
+    constexpr bool isFloat = Target::depths[0] == 32 || Source::depths[0] == 32;
+    constexpr bool isUniform = (Target::depths[3] == 0 || Target::depths[3] == Target::depths[0]) &&
+                               (Source::depths[3] == 0 || Source::depths[3] == Source::depths[0]);
+    return Target::inFours && Source::inFours && (isFloat || isUniform);
+}
+template <class Target, class Source>
+using FullBy = Choose<fullByFours<Target, Source>(), FullByFours<Target, Source>, FullByPlanes<Target, Source>>;
+template <class Target, class Source> struct Full : FullBy<Target, Source> {
+    using Base = FullBy<Target, Source>;
+    using Base::Base;
+};
+
 // Floats limited to 0..1, alpha too.
 template <class Target, class Source> struct Clamp {
     using Samples = u16s;
+    static constexpr int turns = 2;
     using Arguments = List<>;
 
     VELA_FUSED static Pixels<Floats> load(ConstLine line) { return Source::template load<u16s>(line); }
@@ -122,6 +190,7 @@ template <class Target, class Source> struct Clamp {
 // Pixels in words of 32 bits to another order of their bytes or fields.
 template <class Target, class Source> struct Move {
     using Samples = u8s; // four registers of words
+    static constexpr int turns = 1;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
     u32s alpha;
@@ -180,6 +249,8 @@ private:
             y = orderBytes<byteFor(0), byteFor(1), byteFor(2), byteFor(3)>(x);
         else
             y = fields<0>(x) | fields<1>(x) | fields<2>(x) | fields<3>(x);
+        if constexpr (addsAlpha && Source::rows[0].unit == 4 && isBytes)
+            y = without(y, splat32(0xFFu << 8 * Target::at[3]));
         if constexpr (addsAlpha)
             y = y | alpha;
         return y;
@@ -217,6 +288,7 @@ template <class Target, class Source> struct IntegerToRgb {
     static constexpr int from = Source::depths[0];
     static constexpr int to = Target::depths[0];
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = Join<List<const CscYuvToRgb *>, typename Alpha<Target, Source>::Arguments>;
 
     // The words of luma are multiplied in pairs, too: one of them by 0.
@@ -269,6 +341,7 @@ template <class Target, class Source> struct IntegerToRgb {
 template <class Target, class Source> struct IntegerToYuv {
     static constexpr int to = Target::depths[0];
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = Join<List<const CscRgbToYuv *>, typename Alpha<Target, Source>::Arguments>;
 
     i16s outer[3];
@@ -365,6 +438,7 @@ struct FloatRows {
 template <class Target, class Source> struct FloatToRgb {
     static constexpr int to = Target::depths[0];
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = Join<List<const CscYuvToRgb *>, typename Alpha<Target, Source>::Arguments>;
 
     FloatRows rows;
@@ -408,6 +482,7 @@ template <class Target, class Source> struct FloatToYuv {
     static constexpr int from = Source::depths[0];
     static constexpr int to = Target::depths[0];
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = Join<List<const CscRgbToYuv *>, typename Alpha<Target, Source>::Arguments>;
 
     FloatRows rows;
