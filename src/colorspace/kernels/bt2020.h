@@ -14,6 +14,7 @@ VELA_FUSED inline i16s scaledBySign(i16s x, i16s negative, i16s positive)
 
 template <class Target, class Source> struct RgbToYuv2020 {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = List<>;
 
     // Chroma needs the luma, so both come from one pass over the pixels.
@@ -54,6 +55,7 @@ template <class Target, class Source> struct RgbToYuv2020 {
 
 template <class Target, class Source> struct Yuv2020ToRgb {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = List<int32_t>;
 
     u16s alpha;

@@ -9,6 +9,7 @@ namespace {
 
 template <class Target, class Source> struct RgbToHsv {
     using Samples = u16s;
+    static constexpr int turns = 1;
     using Arguments = List<>;
 
     VELA_FUSED static Pixels<u16s> load(ConstLine line) { return Source::template load<u16s>(line); }
