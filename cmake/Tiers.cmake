@@ -12,6 +12,8 @@ endif()
 # Link-time optimisation would take a tier's code apart before it can be checked. A tier includes the texts of whole
 # topics and ships some of them; the others are dropped.
 set(VELA_TIER_FLAGS_COMMON -fno-lto -Wno-unused-function)
+# Kernels throw nothing; without optimisation the compiler would still make room for it, and refer to its runtime.
+list(APPEND VELA_TIER_FLAGS_COMMON -fno-exceptions)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Every slot has an address of its own, even where two kernels come out the same.
     list(APPEND VELA_TIER_FLAGS_COMMON -fno-ipa-icf)
