@@ -67,14 +67,15 @@ template <class Target, class Source> struct Alpha<Target, Source, AlphaFrom::ar
 
 // YUV to another depth, or only another layout.
 template <class Target, class Source> struct Video {
-    // Blocks of bytes: where both sides are bytes, and where planes change between bytes and words.
-    static constexpr bool planes = Target::subsampled == Source::subsampled && Target::oneComponent == Source::oneComponent &&
-                                   (Target::subsampled || Target::oneComponent) && (Target::inBytes || Source::inBytes);
-    static constexpr bool inBytes = planes || (Target::inBytes && Source::inBytes);
-    using Samples = Choose<inBytes, Choose<Source::inBytes, u8s, WideWords>, u16s>;
     // Samples that pass unchanged.
     static constexpr bool passes = Target::depths[0] == Source::depths[0];
-    static constexpr int turns = Target::oneComponent ? 4 : 2;
+    // Between planes the block is whatever fills registers on both sides.
+    static constexpr bool isPlanes = (Target::subsampled && Source::subsampled) ||
+                                     (Target::oneComponent && Source::oneComponent);
+    using OfPlanes = Choose<passes, Double<Choose<Source::inBytes, u8s, u16s>>,
+                            Choose<Source::inBytes, u8s, Choose<Target::inBytes, Double<u16s>, u16s>>>;
+    using Samples = Choose<isPlanes, OfPlanes, Choose<Target::inBytes && Source::inBytes, u8s, u16s>>;
+    static constexpr int turns = passes && isPlanes ? 1 : 2;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
     Alpha<Target, Source> alpha;
