@@ -123,6 +123,16 @@ template <int from, int to> VELA_FUSED inline Sample<to> fullDepth(Sample<from> 
     }
 }
 
+// Bytes and words, whole registers of both.
+VELA_FUSED inline Double<u16s> fullDepthOfPlane(u8s x)
+{
+    return {as<u16s>(interleaveLow(x, x)), as<u16s>(interleaveHigh(x, x))}; // times 257
+}
+VELA_FUSED inline u8s fullDepthOfPlane(Double<u16s> x)
+{
+    return narrow(fullDepthOfCodes<16, 8>(x.low), fullDepthOfCodes<16, 8>(x.high));
+}
+
 // The same for pixels side by side, alpha of a depth of its own. Codes to codes need equal depths.
 template <int from, int to, int fromAlpha, int toAlpha> VELA_FUSED inline Sample<to> fullDepthOfFours(Sample<from> x)
 {

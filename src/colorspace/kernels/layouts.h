@@ -157,6 +157,7 @@ struct WholePixels {
     static constexpr bool inFours = false;   // loads and stores the components of a pixel side by side, too
     static constexpr bool oneComponent = false;
     static constexpr bool lumaInPlane = false; // the first
+    static constexpr bool packed = false;
 };
 
 // Words R G B A R G B A ... of a block, or floats in registers of words: for steps that treat components alike. Where a
