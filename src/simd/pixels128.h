@@ -57,7 +57,10 @@ inline u16s odds(u16s a, u16s b)
 }
 
 // Even lanes in the lower half, odd lanes in the upper half.
-inline u8s splitPairs(u8s x) { return evens(x, u8s{_mm_srli_epi16(x.v, 8)}); }
+inline u8s splitPairs(u8s x)
+{
+    return {_mm_packus_epi16(_mm_and_si128(x.v, _mm_set1_epi16(0xFF)), _mm_srli_epi16(x.v, 8))};
+}
 inline u16s splitPairs(u16s x) { return {_mm_shuffle_epi32(orderFours<0, 2, 1, 3>(x).v, _MM_SHUFFLE(3, 1, 2, 0))}; }
 
 // a0 b0 a2 b2 ... and a1 b1 a3 b3 ...: applied to their own results they give a and b back.

@@ -11,13 +11,16 @@ namespace {
 
 using Floats = Pair<f32s>;
 
-// As many words as a register has bytes.
-struct WideWords {
-    static constexpr int lanes = u8s::lanes;
-    u16s low;
-    u16s high;
+// Two registers for one: a block twice as long.
+template <class Vector> struct Double {
+    static constexpr int lanes = 2 * Vector::lanes;
+    Vector low;
+    Vector high;
 };
-VELA_FUSED inline WideWords average(WideWords a, WideWords b) { return {average(a.low, b.low), average(a.high, b.high)}; }
+template <class Vector> VELA_FUSED inline Double<Vector> average(Double<Vector> a, Double<Vector> b)
+{
+    return {average(a.low, b.low), average(a.high, b.high)};
+}
 
 template <int bits> struct SampleOf {
     using Type = u16s;
@@ -39,18 +42,22 @@ template <int from, int to> VELA_FUSED inline u16s videoDepth(u16s x)
     else
         return x;
 }
-template <int from, int to> VELA_FUSED inline u8s videoDepth(WideWords x)
-{
-    static_assert(to == 8);
-    return narrow(videoDepth<from, to>(x.low), videoDepth<from, to>(x.high));
-}
 template <int from, int to> VELA_FUSED inline auto videoDepth(u8s x)
 {
     static_assert(from == 8);
     if constexpr (to == 8)
         return x;
     else
-        return WideWords{videoDepth<from, to>(widenLow(x)), videoDepth<from, to>(widenHigh(x))};
+        return Double<u16s>{videoDepth<from, to>(widenLow(x)), videoDepth<from, to>(widenHigh(x))};
+}
+template <int from, int to, class Vector> VELA_FUSED inline auto videoDepth(Double<Vector> x)
+{
+    if constexpr (from == to)
+        return x;
+    else if constexpr (to == 8)
+        return narrow(videoDepth<from, to>(x.low), videoDepth<from, to>(x.high));
+    else
+        return Double<Vector>{videoDepth<from, to>(x.low), videoDepth<from, to>(x.high)};
 }
 
 template <int bits> VELA_FUSED inline u16s limited(i16s x)
@@ -114,6 +121,16 @@ template <int from, int to> VELA_FUSED inline Sample<to> fullDepth(Sample<from> 
     } else {
         return fullDepthOfCodes<from, to>(x);
     }
+}
+
+// Bytes and words, whole registers of both.
+VELA_FUSED inline Double<u16s> fullDepthOfPlane(u8s x)
+{
+    return {as<u16s>(interleaveLow(x, x)), as<u16s>(interleaveHigh(x, x))}; // times 257
+}
+VELA_FUSED inline u8s fullDepthOfPlane(Double<u16s> x)
+{
+    return narrow(fullDepthOfCodes<16, 8>(x.low), fullDepthOfCodes<16, 8>(x.high));
 }
 
 // The same for pixels side by side, alpha of a depth of its own. Codes to codes need equal depths.

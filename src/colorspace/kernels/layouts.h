@@ -38,94 +38,101 @@ using Line = uint8_t *const *;            // the rows of a line at the block, by
 using ConstLine = const uint8_t *const *; // the same of a source
 
 // --- Samples of one component --------------------------------------------------------------------------------
-// Memory<Element>: a block of samples side by side, and one of two planes of chroma as pairs.
+// Memory<Element>: a block of samples side by side; and of two planes of chroma, in pairs or one after the other.
 
-template <class Element> struct Memory;
+template <class Vector> constexpr bool isDouble = false;
+template <class Vector> constexpr bool isDouble<Double<Vector>> = true;
 
-template <> struct Memory<uint16_t> {
+// Elements as wide as the lanes of their registers.
+template <class Vector> struct MemoryOf {
     template <class Samples> VELA_FUSED static Samples load(const uint8_t *from)
     {
-        if constexpr (Samples::lanes == u16s::lanes)
-            return ::load<u16s>(from);
+        if constexpr (isDouble<Samples>)
+            return {::load<Vector>(from), ::load<Vector>(from + sizeof(Vector))};
         else
-            return {::load<u16s>(from), ::load<u16s>(from + sizeof(u16s))};
+            return ::load<Vector>(from);
     }
-    VELA_FUSED static void store(uint8_t *to, u16s x) { ::store(to, x); }
-    VELA_FUSED static void store(uint8_t *to, WideWords x)
+    VELA_FUSED static void store(uint8_t *to, Vector x) { ::store(to, x); }
+    VELA_FUSED static void store(uint8_t *to, Double<Vector> x)
     {
         ::store(to, x.low);
-        ::store(to + sizeof(u16s), x.high);
-    }
-    template <class Samples> VELA_FUSED static Samples loadPairs(const uint8_t *u, const uint8_t *v)
-    {
-        if constexpr (Samples::lanes == u16s::lanes) {
-            return interleaveLow(loadHalf<u16s>(u), loadHalf<u16s>(v));
-        } else {
-            const u16s us = ::load<u16s>(u);
-            const u16s vs = ::load<u16s>(v);
-            return {interleaveLow(us, vs), interleaveHigh(us, vs)};
-        }
+        ::store(to + sizeof(Vector), x.high);
     }
     template <class Samples> VELA_FUSED static Samples loadApart(const uint8_t *u, const uint8_t *v)
     {
-        if constexpr (Samples::lanes == u16s::lanes)
-            return loadHalves<u16s>(u, v);
+        if constexpr (isDouble<Samples>)
+            return {::load<Vector>(u), ::load<Vector>(v)};
         else
-            return {::load<u16s>(u), ::load<u16s>(v)};
+            return loadHalves<Vector>(u, v);
     }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { storeApart(u, v, splitPairs(x)); }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, WideWords x)
-    {
-        ::store(u, evens(x.low, x.high));
-        ::store(v, odds(x.low, x.high));
-    }
-    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u16s x)
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, Vector x)
     {
         storeHalf(u, x);
         storeUpperHalf(v, x);
     }
-    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, WideWords x)
+    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, Double<Vector> x)
     {
         ::store(u, x.low);
         ::store(v, x.high);
     }
-};
-
-template <> struct Memory<uint8_t> {
-    template <class Samples> VELA_FUSED static Samples load(const uint8_t *from)
-    {
-        if constexpr (Samples::lanes == u8s::lanes)
-            return ::load<u8s>(from);
-        else
-            return widenLow(loadHalf<u8s>(from));
-    }
-    VELA_FUSED static void store(uint8_t *to, u8s x) { ::store(to, x); }
-    VELA_FUSED static void store(uint8_t *to, u16s x) { storeHalf(to, narrow(as<i16s>(x), as<i16s>(x))); }
     template <class Samples> VELA_FUSED static Samples loadPairs(const uint8_t *u, const uint8_t *v)
     {
-        if constexpr (Samples::lanes == u8s::lanes)
-            return interleaveLow(loadHalf<u8s>(u), loadHalf<u8s>(v));
+        if constexpr (isDouble<Samples>) {
+            const Vector us = ::load<Vector>(u);
+            const Vector vs = ::load<Vector>(v);
+            return {interleaveLow(us, vs), interleaveHigh(us, vs)};
+        } else {
+            return interleaveLow(loadHalf<Vector>(u), loadHalf<Vector>(v));
+        }
+    }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, Vector x) { storeApart(u, v, splitPairs(x)); }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, Double<Vector> x)
+    {
+        ::store(u, evens(x.low, x.high));
+        ::store(v, odds(x.low, x.high));
+    }
+};
+
+template <class Element> struct Memory : MemoryOf<u16s> {};
+
+// Bytes, in registers of words too: half as many.
+template <> struct Memory<uint8_t> {
+    using Bytes = MemoryOf<u8s>;
+
+    template <class Samples> VELA_FUSED static Samples load(const uint8_t *from)
+    {
+        if constexpr (Samples::lanes == u16s::lanes)
+            return widenLow(loadHalf<u8s>(from));
         else
-            return ::loadPairs(u, v);
+            return Bytes::load<Samples>(from);
     }
     template <class Samples> VELA_FUSED static Samples loadApart(const uint8_t *u, const uint8_t *v)
     {
-        if constexpr (Samples::lanes == u8s::lanes)
-            return loadHalves<u8s>(u, v);
-        else
+        if constexpr (Samples::lanes == u16s::lanes)
             return ::loadApart(u, v);
+        else
+            return Bytes::loadApart<Samples>(u, v);
     }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u8s x) { storeApart(u, v, splitPairs(x)); }
-    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { storeApart(u, v, splitPairs(x)); }
-    VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u8s x)
+    template <class Samples> VELA_FUSED static Samples loadPairs(const uint8_t *u, const uint8_t *v)
     {
-        storeHalf(u, x);
-        storeUpperHalf(v, x);
+        if constexpr (Samples::lanes == u16s::lanes)
+            return ::loadPairs(u, v);
+        else
+            return Bytes::loadPairs<Samples>(u, v);
+    }
+    template <class Samples> VELA_FUSED static void store(uint8_t *to, Samples x) { Bytes::store(to, x); }
+    VELA_FUSED static void store(uint8_t *to, u16s x) { storeHalf(to, narrow(as<i16s>(x), as<i16s>(x))); }
+    template <class Samples> VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, Samples x)
+    {
+        Bytes::storeApart(u, v, x);
     }
     VELA_FUSED static void storeApart(uint8_t *u, uint8_t *v, u16s x) { ::storeApart(u, v, as<i16s>(x)); }
+    template <class Samples> VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, Samples x)
+    {
+        Bytes::storePairs(u, v, x);
+    }
+    VELA_FUSED static void storePairs(uint8_t *u, uint8_t *v, u16s x) { storeApart(u, v, splitPairs(x)); }
 };
-
-template <> struct Memory<int16_t> : Memory<uint16_t> {};
 
 template <> struct Memory<float> {
     template <class> VELA_FUSED static Floats load(const uint8_t *from)
@@ -150,6 +157,7 @@ struct WholePixels {
     static constexpr bool inFours = false;   // loads and stores the components of a pixel side by side, too
     static constexpr bool oneComponent = false;
     static constexpr bool lumaInPlane = false; // the first
+    static constexpr bool packed = false;
 };
 
 // Words R G B A R G B A ... of a block, or floats in registers of words: for steps that treat components alike. Where a
@@ -583,7 +591,10 @@ template <class Element, int bits> struct SubsampledYuv {
 
 VELA_FUSED inline u8s swapPairs(u8s x) { return as<u8s>(swapBytes(as<u16s>(x))); }
 VELA_FUSED inline u16s swapPairs(u16s x) { return orderFours<1, 0, 3, 2>(x); }
-VELA_FUSED inline WideWords swapPairs(WideWords x) { return {swapPairs(x.low), swapPairs(x.high)}; }
+template <class Vector> VELA_FUSED inline Double<Vector> swapPairs(Double<Vector> x)
+{
+    return {swapPairs(x.low), swapPairs(x.high)};
+}
 
 enum class Lines { all, halved }; // of chroma: 4:2:2, 4:2:0
 
@@ -672,7 +683,10 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     // The samples at even places, or at odd ones.
     template <class Samples, int odd> VELA_FUSED static Samples loadEvery2(const uint8_t *row)
     {
-        if constexpr (sizeof(Element) * Samples::lanes < sizeof(Samples)) { // bytes in a register of words
+        if constexpr (isDouble<Samples>) {
+            using Vector = decltype(Samples::low);
+            return {loadEvery2<Vector, odd>(row), loadEvery2<Vector, odd>(row + 2 * sizeof(Vector))};
+        } else if constexpr (sizeof(Element) * Samples::lanes < sizeof(Samples)) { // bytes in a register of words
             const u16s both = ::load<u16s>(row);
             return odd ? shiftRight<8>(both) : both & splat16(0xFF);
         } else {
@@ -695,12 +709,21 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
         const Samples c = inOrder<chroma, given>(pairs);
         const Samples even = lumaAt == 0 ? y : c;
         const Samples odd = lumaAt == 0 ? c : y;
+        storeEvery2(line[0], even, odd);
+    }
+    template <class Samples> VELA_FUSED static void storeEvery2(uint8_t *row, Samples even, Samples odd)
+    {
         if constexpr (sizeof(Element) * Samples::lanes < sizeof(Samples)) {
-            ::store(line[0], narrowInterleaved(as<i16s>(even), as<i16s>(odd)));
+            ::store(row, narrowInterleaved(as<i16s>(even), as<i16s>(odd)));
         } else {
-            ::store(line[0], interleaveLow(even, odd));
-            ::store(line[0] + sizeof(Samples), interleaveHigh(even, odd));
+            ::store(row, interleaveLow(even, odd));
+            ::store(row + sizeof(Samples), interleaveHigh(even, odd));
         }
+    }
+    template <class Vector> VELA_FUSED static void storeEvery2(uint8_t *row, Double<Vector> even, Double<Vector> odd)
+    {
+        storeEvery2(row, even.low, odd.low);
+        storeEvery2(row + 2 * sizeof(Vector), even.high, odd.high);
     }
 };
 
@@ -716,8 +739,8 @@ template <class Element, int bits> struct LumaOf422 : SubsampledYuv<Element, bit
     }
     template <class Samples, Chroma> VELA_FUSED static Samples loadPairs(ConstLine, int)
     {
-        static_assert(bits == 8 && Samples::lanes == u8s::lanes);
-        return splat8(128);
+        static_assert(bits == 8);
+        return {splat8(128), splat8(128)};
     }
     template <class Samples> VELA_FUSED static void storeLuma(Line line, Samples y)
     {

@@ -67,14 +67,15 @@ template <class Target, class Source> struct Alpha<Target, Source, AlphaFrom::ar
 
 // YUV to another depth, or only another layout.
 template <class Target, class Source> struct Video {
-    // Blocks of bytes: where both sides are bytes, and where planes change between bytes and words.
-    static constexpr bool planes = Target::subsampled == Source::subsampled && Target::oneComponent == Source::oneComponent &&
-                                   (Target::subsampled || Target::oneComponent) && (Target::inBytes || Source::inBytes);
-    static constexpr bool inBytes = planes || (Target::inBytes && Source::inBytes);
-    using Samples = Choose<inBytes, Choose<Source::inBytes, u8s, WideWords>, u16s>;
     // Samples that pass unchanged.
     static constexpr bool passes = Target::depths[0] == Source::depths[0];
-    static constexpr int turns = Target::oneComponent ? 4 : 2;
+    // Between planes the block is whatever fills registers on both sides.
+    static constexpr bool isPlanes = (Target::subsampled && Source::subsampled) ||
+                                     (Target::oneComponent && Source::oneComponent);
+    using OfPlanes = Choose<Source::inBytes, Choose<passes, Double<u8s>, Choose<Source::packed, Double<u16s>, u8s>>,
+                            Double<u16s>>;
+    using Samples = Choose<isPlanes, OfPlanes, Choose<Target::inBytes && Source::inBytes, u8s, u16s>>;
+    static constexpr int turns = isPlanes && isDouble<Samples> ? 1 : 2;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
     Alpha<Target, Source> alpha;
@@ -100,8 +101,10 @@ template <class Target, class Source> struct Video {
 
 // RGB, grey, alpha to another depth, floats among them: by component.
 template <class Target, class Source> struct FullByPlanes {
-    using Samples = u16s;
-    static constexpr int turns = Target::oneComponent && Source::oneComponent ? 4 : 1;
+    static constexpr bool isPlane = Target::oneComponent && Source::oneComponent;
+    static constexpr bool isBytesAndWords = isPlane && Source::depths[0] + Target::depths[0] == 8 + 16;
+    using Samples = Choose<isBytesAndWords, Choose<Source::inBytes, u8s, Double<u16s>>, u16s>;
+    static constexpr int turns = isBytesAndWords ? 2 : isPlane ? 4 : 1;
     using Arguments = typename Alpha<Target, Source>::Arguments;
 
     Alpha<Target, Source> alpha;
@@ -110,12 +113,15 @@ template <class Target, class Source> struct FullByPlanes {
 
     template <int i, class Codes> VELA_FUSED static auto depth(Codes x)
     {
-        return fullDepth<Source::depths[i], Target::depths[i]>(x);
+        if constexpr (isBytesAndWords)
+            return fullDepthOfPlane(x);
+        else
+            return fullDepth<Source::depths[i], Target::depths[i]>(x);
     }
-    VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
-    template <class Codes> VELA_FUSED Pixels<Sample<Target::depths[0]>> operator()(Pixels<Codes> x) const
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<Samples>(line); }
+    template <class Codes> VELA_FUSED auto operator()(Pixels<Codes> x) const
     {
-        return {{depth<0>(x.c[0]), depth<1>(x.c[1]), depth<2>(x.c[2])}, alpha(x.a)};
+        return Pixels<decltype(depth<0>(x.c[0]))>{{depth<0>(x.c[0]), depth<1>(x.c[1]), depth<2>(x.c[2])}, alpha(x.a)};
     }
 };
 
