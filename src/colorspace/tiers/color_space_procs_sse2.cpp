@@ -2,10 +2,8 @@
 
 #include "simd/loops.h"
 
-#include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/conversions.h"
 #include "colorspace/kernels/no_op.h"
-#include "colorspace/kernels/packed_yuv.h"
 
 #include "colorspace/tiers.hpp"
 
