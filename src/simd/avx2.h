@@ -568,3 +568,5 @@ template <int8_t weightA, int8_t weightB> inline WideBytes weightedSum(u8s a, u8
 }
 
 } // namespace
+
+#include "simd/pixels256.h"

@@ -110,6 +110,12 @@ inline u16s narrowPairsUnsigned(i32s even, i32s odd)
     return {_mm_unpacklo_epi16(apart, _mm_unpackhi_epi64(apart, apart))};
 }
 
+// The upper halves of the lanes.
+inline i16s highPairs(i32s even, i32s odd)
+{
+    return {_mm_or_si128(_mm_srli_epi32(even.v, 16), _mm_andnot_si128(_mm_set1_epi32(0xFFFF), odd.v))};
+}
+
 // a0 b0 a1 b1 ... as bytes, limited.
 inline u8s narrowInterleaved(i16s a, i16s b)
 {
@@ -282,6 +288,25 @@ template <int... list> inline u32s narrowFours(u16s low, u16s high)
 {
     return as<u32s>(narrow(as<i16s>(orderFours<list...>(low)), as<i16s>(orderFours<list...>(high))));
 }
+
+// Limited to bytes, in order.
+inline u8s narrowToBytes(i32s a, i32s b, i32s c, i32s d) { return narrow(narrow(a, b), narrow(c, d)); }
+
+// --- Floats --------------------------------------------------------------------------------------------------
+
+// Words plus a fraction as floats, exactly: a word under the exponent of 2^23 is 2^23 + x. The two registers are in an
+// order of the instruction set's own, which narrowOwn restores.
+inline Pair<f32s> toFloatsOwn(u16s x, float plus)
+{
+    const __m128i exponent = _mm_set1_epi16(0x4B00);
+    const f32s bias = splatF32(8388608.0f - plus);
+    return {f32s{_mm_castsi128_ps(_mm_unpacklo_epi16(x.v, exponent))} - bias,
+            f32s{_mm_castsi128_ps(_mm_unpackhi_epi16(x.v, exponent))} - bias};
+}
+inline i16s narrowOwn(i32s first, i32s second) { return {_mm_packs_epi32(first.v, second.v)}; }
+
+// 1 / x to 11 bits or better, by processor; infinity for 0.
+inline f32s reciprocalEstimate(f32s x) { return {_mm_rcp_ps(x.v)}; }
 
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------
 

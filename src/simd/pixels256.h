@@ -1,7 +1,5 @@
-// Pixels in 256-bit registers: the names of pixels128.h.
+// Pixels in 256-bit registers: the names of pixels128.h. Part of the vocabulary: avx2.h includes it at its end.
 #pragma once
-
-#include "simd/avx2.h"
 
 namespace {
 
@@ -111,6 +109,9 @@ inline __m256i joinHalvesOfLanes(__m256i x)
 }
 inline i16s narrowPairs(i32s even, i32s odd) { return {joinHalvesOfLanes(_mm256_packs_epi32(even.v, odd.v))}; }
 inline u16s narrowPairsUnsigned(i32s even, i32s odd) { return {joinHalvesOfLanes(_mm256_packus_epi32(even.v, odd.v))}; }
+
+// The upper halves of the lanes.
+inline i16s highPairs(i32s even, i32s odd) { return {_mm256_blend_epi16(_mm256_srli_epi32(even.v, 16), odd.v, 0xAA)}; }
 
 // a0 b0 a1 b1 ... as bytes, limited.
 inline u8s narrowInterleaved(i16s a, i16s b)
@@ -297,6 +298,29 @@ template <int... list> inline u32s narrowFours(u16s low, u16s high)
 {
     return orderBytes<list...>(as<u32s>(narrow(as<i16s>(low), as<i16s>(high))));
 }
+
+// Limited to bytes, in order.
+inline u8s narrowToBytes(i32s a, i32s b, i32s c, i32s d)
+{
+    const __m256i words = _mm256_packus_epi16(_mm256_packs_epi32(a.v, b.v), _mm256_packs_epi32(c.v, d.v));
+    return {_mm256_permutevar8x32_epi32(words, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7))};
+}
+
+// --- Floats --------------------------------------------------------------------------------------------------
+
+// Words plus a fraction as floats, exactly: a word under the exponent of 2^23 is 2^23 + x. The two registers are in an
+// order of the instruction set's own, which narrowOwn restores.
+inline Pair<f32s> toFloatsOwn(u16s x, float plus)
+{
+    const __m256i exponent = _mm256_set1_epi16(0x4B00);
+    const f32s bias = splatF32(8388608.0f - plus);
+    return {f32s{_mm256_castsi256_ps(_mm256_unpacklo_epi16(x.v, exponent))} - bias,
+            f32s{_mm256_castsi256_ps(_mm256_unpackhi_epi16(x.v, exponent))} - bias};
+}
+inline i16s narrowOwn(i32s first, i32s second) { return {_mm256_packs_epi32(first.v, second.v)}; }
+
+// 1 / x to 11 bits or better, by processor; infinity for 0.
+inline f32s reciprocalEstimate(f32s x) { return {_mm256_rcp_ps(x.v)}; }
 
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------
 

@@ -1,15 +1,11 @@
 #include "simd/avx2.h"
 
-#include "simd/pixels256.h"
-
 #include "simd/loops.h"
 
-#include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/bt2020.h"
 #include "colorspace/kernels/conversions.h"
 #include "colorspace/kernels/hsv_planes.h"
 #include "colorspace/kernels/no_op.h"
-#include "colorspace/kernels/packed_yuv.h"
 #include "mem/kernels.h"
 #include "video/kernels/sharpen_bytes.h"
 #include "video/kernels/smooth.h"

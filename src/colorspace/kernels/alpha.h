@@ -10,8 +10,7 @@ template <int depth> VELA_FUSED inline u16s scaled(u16s a, u16s b)
 {
     const u16s products = as<u16s>(as<i16s>(a) * as<i16s>(b));
     if constexpr (depth == 8) {
-        const u16s x = products + splat16(128);
-        return shiftRight<8>(x + shiftRight<8>(x));
+        return multiplyHigh(products + splat16(128), splat16(257)); // (x + (x >> 8)) >> 8
     } else {
         // x = a * b + 32768, then (x + (x >> 16)) >> 16: of the second sum only the carry out of its low word counts.
         const u16s low = products + splat16(32768);
@@ -33,7 +32,7 @@ template <class Source> struct OnPixels {
     VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
 };
 
-template <class Target, class Source> struct Premultiply : OnPixels<Source> {
+template <class Target, class Source> struct PremultiplyPlanes : OnPixels<Source> {
     using typename OnPixels<Source>::Block;
 
     VELA_FUSED Block operator()(Block x) const
@@ -43,30 +42,62 @@ template <class Target, class Source> struct Premultiply : OnPixels<Source> {
     }
 };
 
+// Bytes: two to a word where they are. Alpha is multiplied by 255, which is 1.
+template <class Target, class Source> struct PremultiplyBytes {
+    using Samples = u8s;
+    static constexpr int turns = 1;
+    using Arguments = List<>;
+    static constexpr int alphaAt = Source::at[3];
+
+    VELA_FUSED static PixelWords load(ConstLine line) { return Source::loadWords(line[0]); }
+    VELA_FUSED PixelWords operator()(PixelWords x) const
+    {
+        return {premultiplied(x.a), premultiplied(x.b), premultiplied(x.c), premultiplied(x.d)};
+    }
+
+private:
+    VELA_FUSED static u32s premultiplied(u32s x)
+    {
+        static_assert(alphaAt == 0 || alphaAt == 3);
+        const u32s low = splat32(0x00FF00FF);
+        const u32s alphas = orderBytes<alphaAt, alphaAt, alphaAt, alphaAt>(x) & low;
+        const u16s kept = as<u16s>(splat32(alphaAt == 0 ? 0x000000FF : 0x00FF0000));
+        const u16s withOne = select(as<u16s>(splat32(alphaAt == 0 ? 0x0000FFFF : 0xFFFF0000)), kept, as<u16s>(alphas));
+        const u16s even = scaled<8>(as<u16s>(x & low), alphaAt == 0 ? withOne : as<u16s>(alphas));
+        const u16s odd = scaled<8>(shiftRight<8>(as<u16s>(x)), alphaAt == 0 ? as<u16s>(alphas) : withOne);
+        return as<u32s>(even | shiftLeft<8>(odd));
+    }
+};
+
+template <class Target, class Source>
+using PremultiplyBy = Choose<Source::depths[0] == 8, PremultiplyBytes<Target, Source>, PremultiplyPlanes<Target, Source>>;
+template <class Target, class Source> struct Premultiply : PremultiplyBy<Target, Source> {};
+
 // Division of colours by one alpha. With half a code added to the dividend, (largest * c + a / 2) / a is at least
-// 0.5 / a from any whole number, and one rounded reciprocal serves all colours: it misses by less than 0.01 / a. What is
-// too large is limited ahead of the conversion to integers; where a is 0 the result is masked.
+// 0.5 / a from any whole number, and one reciprocal serves all colours: it misses by less than 0.1 / a.
 struct DivideBytes {
     u16s half;
-    u16s isSome;
-    f32s low;
-    f32s high;
+    f32s first;
+    f32s second;
 
-    VELA_FUSED explicit DivideBytes(u16s a)
-        : half(shiftRight<1>(a)), isSome(as<u16s>(greater(as<i16s>(a), zero<i16s>())))
+    // An estimate and one step of Newton's.
+    VELA_FUSED static f32s reciprocal(f32s a)
     {
-        const Floats values = toFloats(a);
-        low = splatF32(1) / values.low;
-        high = splatF32(1) / values.high;
+        const f32s estimate = reciprocalEstimate(a);
+        return estimate * (splatF32(2) - a * estimate);
     }
+    VELA_FUSED explicit DivideBytes(u16s a) : half(shiftRight<1>(a))
+    {
+        const Floats values = toFloatsOwn(a, 0);
+        first = reciprocal(values.low);
+        second = reciprocal(values.high);
+    }
+    // What is too large is limited on the way to bytes. An alpha of 0 makes a NaN, which becomes the least integer, which
+    // is limited to 0.
     VELA_FUSED u16s operator()(u16s c) const
     {
-        const Floats x = toFloats(as<u16s>(as<i16s>(c) * splatI16(255)) + half);
-        const f32s largest = splatF32(255);
-        const f32s more = splatF32(0.5f);
-        return as<u16s>(narrow(truncate(smaller((x.low + more) * low, largest)),
-                               truncate(smaller((x.high + more) * high, largest)))) &
-               isSome;
+        const Floats x = toFloatsOwn(as<u16s>(as<i16s>(c) * splatI16(255)) + half, 0.5f);
+        return as<u16s>(narrowOwn(truncate(x.low * first), truncate(x.high * second)));
     }
 };
 struct DivideWords {
@@ -260,8 +291,7 @@ template <class Target, class Source> struct Flatten : OnPixels<Source> {
         for (int i = 0; i < 3; ++i) {
             const i16s parts = as<i16s>(x.c[i]) * as<i16s>(x.a) +
                                as<i16s>(background.c[i]) * as<i16s>(opaque - x.a); // at most 255 * 255
-            const u16s sum = as<u16s>(parts) + splat16(128);
-            over.c[i] = shiftRight<8>(sum + shiftRight<8>(sum));
+            over.c[i] = multiplyHigh(as<u16s>(parts) + splat16(128), splat16(257));
         }
         over.a = opaque;
         return over;

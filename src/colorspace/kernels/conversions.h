@@ -4,11 +4,15 @@
 #include "colorspace/kernels/alpha.h"
 #include "colorspace/kernels/hues.h"
 #include "colorspace/kernels/kernel.h"
+#include "colorspace/kernels/packed_yuv.h"
 #include "colorspace/kernels/range.h"
 
 namespace {
 
-// Packed 8-bit pixels: alpha appended and dropped, byte orders.
+// Packed 4:2:2 and 4:4:4. Packed 8-bit pixels: alpha appended and dropped, byte orders.
+constexpr auto ExpandYuyvToYuva = kernel<Yuva32, Yuyv, Video, uint32_t>;
+constexpr auto ExpandUyvyToYuva = kernel<Yuva32, Uyvy, Video, uint32_t>;
+constexpr auto AppendAlpha24To32 = kernel<Bgra32, Bgr24, Move, uint32_t>;
 constexpr auto CscAppendAlphaSwap24To32 = kernel<Bgra32, Rgb24, Move, uint32_t>;
 constexpr auto CscReverse32 = kernel<Argb32, Bgra32, Move>;
 constexpr auto CscSwapRb32 = kernel<Rgba32, Bgra32, Move>;
@@ -54,6 +58,7 @@ constexpr auto CscI420ToRgba = kernel<Rgba32, I420, YuvToRgb>;
 constexpr auto CscRgbaToI420 = kernel<I420, Rgba32, RgbToYuv>;
 
 // Packed 8-bit 4:2:2 and planar deep 4:2:2.
+constexpr auto PackPlanar16ToUyvy8 = kernel<Uyvy, I216, Video>;
 constexpr auto CscYuyvToI216 = kernel<I216, Yuyv, Video>;
 constexpr auto CscUyvyToI216 = kernel<I216, Uyvy, Video>;
 constexpr auto CscI210ToYuyv = kernel<Yuyv, I210, Video>;

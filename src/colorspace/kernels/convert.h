@@ -87,11 +87,10 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
         } else if constexpr (lines == 1) {
             putLine<Chroma::uv>(target, step.luma(upper), step.chroma(Step::evens(upper)));
         } else {
-            const auto evens = Step::evens(upper);
             storeLuma(target, step.luma(upper));
             const auto lower = Step::load(lowerSource);
             storeLuma(lowerTarget, step.luma(lower));
-            TargetLayout::template storePairs<Chroma::uv>(target, step.chroma(Step::mean(evens, Step::evens(lower))));
+            TargetLayout::template storePairs<Chroma::uv>(target, step.chroma(Step::meanOfEvens(upper, lower)));
         }
     }
 

@@ -17,10 +17,30 @@ struct Kernel<Target, Source, Step, Width, List<To...>, List<From...>, List<Give
         ptrdiff_t pixels = (ptrdiff_t)width;
         if constexpr (Target::pairsOnly || Source::pairsOnly)
             pixels &= ~(ptrdiff_t)1;
+        if constexpr (isSpecial<Step>()) {
+            if (Step::Special::fits(given...)) {
+                run(targets, sources, pixels, typename Step::Special(given...));
+                return;
+            }
+        }
+        run(targets, sources, pixels, Step(given...));
+    }
+
+private:
+    // A step that does the same with less work, for arguments that fit it.
+    template <class Any> static constexpr bool isSpecial()
+    {
+        if constexpr (requires(Given... given) { Any::Special::fits(given...); })
+            return true;
+        return false;
+    }
+    template <class AnyStep>
+    static void run(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t pixels, const AnyStep &step)
+    {
         if constexpr (isChunked<Target> || isChunked<Source>)
-            convertInChunks<Target, Source>(targets, sources, pixels, Step(given...));
+            convertInChunks<Target, Source>(to, from, pixels, step);
         else
-            convertPlanes<Conversion<Target, Source, Step>>(targets, sources, pixels, Step(given...));
+            convertPlanes<Conversion<Target, Source, AnyStep>>(to, from, pixels, step);
     }
 };
 

@@ -34,6 +34,13 @@ struct Terms {
     i16s middle;
 };
 
+VELA_FUSED inline i16s evens(i16s a, i16s b) { return as<i16s>(evens(as<u32s>(a), as<u32s>(b))); }
+VELA_FUSED inline i16s mean(i16s a, i16s b) { return as<i16s>(average(as<u16s>(a), as<u16s>(b))); }
+// Of pixels: the even ones of two registers, the mean of each two.
+VELA_FUSED inline Terms evens(Terms a, Terms b) { return {evens(a.outer, b.outer), evens(a.middle, b.middle)}; }
+VELA_FUSED inline Terms mean(Terms a, Terms b) { return {mean(a.outer, b.outer), mean(a.middle, b.middle)}; }
+VELA_FUSED inline u32s mean(u32s a, u32s b) { return as<u32s>(average(as<u8s>(a), as<u8s>(b))); }
+
 using Line = uint8_t *const *;            // the rows of a line at the block, by plane
 using ConstLine = const uint8_t *const *; // the same of a source
 
@@ -155,6 +162,7 @@ struct WholePixels {
     static constexpr bool pairsOnly = false; // rows hold whole pixel pairs
     static constexpr bool inBytes = false;   // has blocks of bytes
     static constexpr bool inFours = false;   // loads and stores the components of a pixel side by side, too
+    static constexpr bool inWords = false;   // loads and stores 32-bit words
     static constexpr bool oneComponent = false;
     static constexpr bool lumaInPlane = false; // the first
     static constexpr bool packed = false;
@@ -173,6 +181,7 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
     static constexpr RowShape rows[] = {{bytes}};
     static constexpr int depths[] = {8, 8, 8, alphaAt < 0 ? 0 : 8};
     static constexpr bool inBytes = true;
+    static constexpr bool inWords = true;
     static constexpr bool inFours = bytes == 3 || alphaAt >= 0;
     static constexpr int at[] = {at0, at1, at2, alphaAt};
 
@@ -255,9 +264,10 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
     }
 
     static constexpr int placeOf(int component) { return at[component]; }
-    VELA_FUSED static Terms loadTerms(ConstLine line, int part)
+    using Raw = u32s;
+    VELA_FUSED static Raw loadRaw(ConstLine line, int part) { return loadWords(line[0], part); }
+    VELA_FUSED static Terms termsOf(Raw words)
     {
-        const u32s words = loadWords(line[0], part);
         return {as<i16s>(words & splat32(0x00FF00FF)), as<i16s>(shiftRight<8>(as<u16s>(words)))};
     }
 };
@@ -387,7 +397,9 @@ struct FieldPixels32 : WholePixels {
     }
 
     static constexpr int placeOf(int component) { return at[component] / 10; }
-    VELA_FUSED static Terms loadTerms(ConstLine line, int part)
+    using Raw = Terms;
+    VELA_FUSED static Terms termsOf(Raw terms) { return terms; }
+    VELA_FUSED static Raw loadRaw(ConstLine line, int part)
     {
         const u32s words = shiftRight<spare>(loadWords(line[0], part));
         return {as<i16s>((words & splat32(0x3FF)) | (shiftRight<4>(words) & splat32(0x3FF0000))),
@@ -521,7 +533,9 @@ template <class Element, int bits, int plane0 = 0, int plane1 = 1, int plane2 = 
     }
 
     static constexpr int placeOf(int component) { return component; }
-    VELA_FUSED static Terms loadTerms(ConstLine line, int part)
+    using Raw = Terms;
+    VELA_FUSED static Terms termsOf(Raw terms) { return terms; }
+    VELA_FUSED static Raw loadRaw(ConstLine line, int part)
     {
         const Pixels<u16s> x = load<u16s>(line);
         if (part == 0)
@@ -674,6 +688,7 @@ struct SemiPlanarYuv : SubsampledYuv<Element, bits> {
 template <class Element, int bits, int lumaAt, Chroma chroma = Chroma::uv>
 struct PackedYuv : SubsampledYuv<Element, bits> {
     using Elements = List<Element>;
+    static constexpr int lumaPlace = lumaAt;
     static constexpr Chroma order = chroma;
     static constexpr bool packed = true;
     static constexpr bool lumaInPlane = false;
@@ -685,7 +700,7 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     {
         if constexpr (isDouble<Samples>) {
             using Vector = decltype(Samples::low);
-            return {loadEvery2<Vector, odd>(row), loadEvery2<Vector, odd>(row + 2 * sizeof(Vector))};
+            return {loadEvery2<Vector, odd>(row), loadEvery2<Vector, odd>(row + rows[0].bytes(Vector::lanes))};
         } else if constexpr (sizeof(Element) * Samples::lanes < sizeof(Samples)) { // bytes in a register of words
             const u16s both = ::load<u16s>(row);
             return odd ? shiftRight<8>(both) : both & splat16(0xFF);
@@ -723,7 +738,7 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     template <class Vector> VELA_FUSED static void storeEvery2(uint8_t *row, Double<Vector> even, Double<Vector> odd)
     {
         storeEvery2(row, even.low, odd.low);
-        storeEvery2(row + 2 * sizeof(Vector), even.high, odd.high);
+        storeEvery2(row + rows[0].bytes(Vector::lanes), even.high, odd.high);
     }
 };
 

@@ -95,7 +95,10 @@ template <class Target, class Source> struct Video {
     VELA_FUSED auto luma(Samples y) const { return depth(y); }
     VELA_FUSED auto luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
     VELA_FUSED static Samples evens(const Pixels<Samples> &x) { return pairEvens(x.c[1], x.c[2]); }
-    VELA_FUSED static Samples mean(Samples a, Samples b) { return average(a, b); }
+    VELA_FUSED static Samples meanOfEvens(const Pixels<Samples> &a, const Pixels<Samples> &b)
+    {
+        return average(evens(a), evens(b));
+    }
     VELA_FUSED auto chroma(Samples pairs) const { return depth(pairs); }
 };
 
@@ -344,9 +347,85 @@ template <class Target, class Source> struct IntegerToRgb {
     }
 };
 
+// The same for blocks that any block but a hand-made one allows: luma has one weight and one bias in all rows, and
+// nothing overflows when samples are scaled up until results sit in the upper halves of the sums. A quarter less work.
+template <class Target, class Source> struct UniformToRgb {
+    static constexpr int from = Source::depths[0];
+    static constexpr int to = Target::depths[0];
+    static constexpr int codeBits = from < 14 ? from : 14;
+    static constexpr int shift = 13 + codeBits - to;
+    static constexpr int up = shift < 16 ? 16 - shift : 0; // of the samples
+    static constexpr int down = shift - 16 + up;           // of the upper halves
+    using Samples = u16s;
+    static constexpr int turns = 1;
+    using Arguments = typename IntegerToRgb<Target, Source>::Arguments;
+
+    i16s chroma[3];
+    i16s evenLuma;
+    i16s oddLuma;
+    i16s centre;
+    i32s bias;
+    Alpha<Target, Source> alpha;
+
+    static int64_t magnitude(int x) { return x < 0 ? -x : x; }
+    template <class... Values> static bool fits(const CscYuvToRgb *coef, Values...)
+    {
+        CscYuvToRgb block;
+        memcpy(&block, coef, sizeof(block));
+        const int most = largestCode(codeBits);
+        bool isUniform = block.qShift == shift;
+        for (int i = 0; i < 3; ++i)
+            isUniform = isUniform && block.qOff[i] >= 0 && block.qOff[i] <= most;
+        for (int row = 0; row < 3; ++row) {
+            const int64_t weights =
+                magnitude(block.q[row][0]) + magnitude(block.q[row][1]) + magnitude(block.q[row][2]);
+            isUniform = isUniform && block.q[row][0] == block.q[0][0] && block.qBias[row] == block.qBias[0] &&
+                        2 * weights * most + magnitude(block.qBias[row]) < INT32_MAX >> up;
+        }
+        return isUniform;
+    }
+    template <class... Values>
+    explicit UniformToRgb(const CscYuvToRgb *coef, Values... values) : alpha(values...)
+    {
+        CscYuvToRgb block;
+        memcpy(&block, coef, sizeof(block));
+        for (int row = 0; row < 3; ++row)
+            chroma[row] = splatPair(block.q[row][1], block.q[row][2]);
+        evenLuma = splatPair(block.q[0][0], 0);
+        oddLuma = splatPair(0, block.q[0][0]);
+        centre = splatPair(block.qOff[1], block.qOff[2]);
+        bias = splatI32((block.qBias[0] - block.q[0][0] * block.qOff[0]) * (1 << up));
+    }
+
+    VELA_FUSED static i16s codes(u16s x) { return as<i16s>(videoDepth<from, codeBits>(x)); }
+    VELA_FUSED static auto load(ConstLine line) { return Source::template load<u16s>(line); }
+    VELA_FUSED Pixels<u16s> operator()(u16s luma, ChromaPairs<u16s> c, u16s carriedAlpha) const
+    {
+        const i16s y = shiftLeft<up>(codes(luma));
+        const i16s even = shiftLeft<up>(codes(c.even) - centre);
+        const i16s odd = shiftLeft<up>(codes(c.odd) - centre);
+        const i32s evenY = multiplyAddPairs(y, evenLuma) + bias;
+        const i32s oddY = multiplyAddPairs(y, oddLuma) + bias;
+        Pixels<u16s> rgb;
+#pragma GCC unroll 3
+        for (int row = 0; row < 3; ++row)
+            rgb.c[row] = limited<to>(shiftRight<down>(highPairs(multiplyAddPairs(even, chroma[row]) + evenY,
+                                                                multiplyAddPairs(odd, chroma[row]) + oddY)));
+        rgb.a = alpha(carriedAlpha);
+        return rgb;
+    }
+    VELA_FUSED Pixels<u16s> operator()(u16s luma, ChromaPairs<u16s> c) const { return (*this)(luma, c, luma); }
+    VELA_FUSED Pixels<u16s> operator()(Pixels<u16s> x) const
+    {
+        return (*this)(x.c[0], {pairEvens(x.c[1], x.c[2]), pairOdds(x.c[1], x.c[2])}, x.a);
+    }
+};
+
 template <class Target, class Source> struct IntegerToYuv {
     static constexpr int to = Target::depths[0];
-    using Samples = u16s;
+    // Bytes of whole pixels go in blocks of bytes.
+    static constexpr bool inBytes = to == 8 && Source::inBytes && Source::inWords && Target::inBytes;
+    using Samples = Choose<inBytes, u8s, u16s>;
     static constexpr int turns = 1;
     using Arguments = Join<List<const CscRgbToYuv *>, typename Alpha<Target, Source>::Arguments>;
 
@@ -370,50 +449,73 @@ template <class Target, class Source> struct IntegerToYuv {
         shift = rows.shift;
     }
 
+    // Registers of pixels as the source has them.
+    static constexpr int parts = inBytes ? 4 : 2;
+    using Raw = typename Source::Raw;
     struct Form {
-        Terms low;
-        Terms high;
-        u16s alpha;
+        Raw part[parts];
+        Samples alpha;
     };
     VELA_FUSED static Form load(ConstLine line)
     {
-        Form form = {Source::loadTerms(line, 0), Source::loadTerms(line, 1), {}};
+        Form form;
+#pragma GCC unroll 4
+        for (int i = 0; i < parts; ++i)
+            form.part[i] = Source::loadRaw(line, i);
         if constexpr (alphaFrom<Target, Source>() == AlphaFrom::source)
-            form.alpha = Source::template load<u16s>(line).a;
+            form.alpha = Source::template load<Samples>(line).a;
         return form;
     }
 
-    template <int row> VELA_FUSED i32s sum(Terms terms) const
+    template <int row> VELA_FUSED i32s sum(Raw raw) const
     {
+        const Terms terms = Source::termsOf(raw);
         const i32s products = multiplyAddPairs(terms.outer, outer[row]) + multiplyAddPairs(terms.middle, middle[row]);
         return shiftRight(products + bias[row], shift);
     }
-    template <int row> VELA_FUSED u16s component(const Form &form) const
+    template <int row> VELA_FUSED Samples component(const Form &x) const
     {
-        if constexpr (to == 16)
-            return narrowWords(sum<row>(form.low), sum<row>(form.high));
+        if constexpr (inBytes)
+            return narrowToBytes(sum<row>(x.part[0]), sum<row>(x.part[1]), sum<row>(x.part[2]), sum<row>(x.part[3]));
+        else if constexpr (to == 16)
+            return narrowWords(sum<row>(x.part[0]), sum<row>(x.part[1]));
         else
-            return limited<to>(narrow(sum<row>(form.low), sum<row>(form.high)));
+            return limited<to>(narrow(sum<row>(x.part[0]), sum<row>(x.part[1])));
     }
-    VELA_FUSED u16s luma(const Form &form) const { return component<0>(form); }
-    VELA_FUSED Pixels<u16s> operator()(const Form &form) const
+    VELA_FUSED Samples luma(const Form &form) const { return component<0>(form); }
+    VELA_FUSED Pixels<Samples> operator()(const Form &form) const
     {
         return {{component<0>(form), component<1>(form), component<2>(form)}, alpha(form.alpha)};
     }
 
-    VELA_FUSED static i16s evens(i16s low, i16s high) { return as<i16s>(::evens(as<u32s>(low), as<u32s>(high))); }
-    VELA_FUSED static Terms evens(const Form &form)
+    struct Evens {
+        Raw part[parts / 2];
+    };
+    VELA_FUSED static Evens evens(const Form &form)
     {
-        return {evens(form.low.outer, form.high.outer), evens(form.low.middle, form.high.middle)};
+        Evens result;
+#pragma GCC unroll 2
+        for (int i = 0; i < parts / 2; ++i)
+            result.part[i] = ::evens(form.part[2 * i], form.part[2 * i + 1]);
+        return result;
     }
-    VELA_FUSED static i16s mean(i16s a, i16s b) { return as<i16s>(average(as<u16s>(a), as<u16s>(b))); }
-    VELA_FUSED static Terms mean(Terms a, Terms b) { return {mean(a.outer, b.outer), mean(a.middle, b.middle)}; }
-    VELA_FUSED u16s chroma(Terms evenPixels) const
+    VELA_FUSED static Evens meanOfEvens(const Form &a, const Form &b)
     {
-        if constexpr (to == 16)
-            return narrowPairsUnsigned(sum<1>(evenPixels), sum<2>(evenPixels));
+        Form form;
+#pragma GCC unroll 4
+        for (int i = 0; i < parts; ++i)
+            form.part[i] = mean(a.part[i], b.part[i]);
+        return evens(form);
+    }
+    VELA_FUSED Samples chroma(const Evens &x) const
+    {
+        if constexpr (inBytes)
+            return narrow(narrowPairs(sum<1>(x.part[0]), sum<2>(x.part[0])),
+                          narrowPairs(sum<1>(x.part[1]), sum<2>(x.part[1])));
+        else if constexpr (to == 16)
+            return narrowPairsUnsigned(sum<1>(x.part[0]), sum<2>(x.part[0]));
         else
-            return limited<to>(narrowPairs(sum<1>(evenPixels), sum<2>(evenPixels)));
+            return limited<to>(narrowPairs(sum<1>(x.part[0]), sum<2>(x.part[0])));
     }
 };
 
@@ -545,8 +647,10 @@ template <class Target, class Source> struct FloatToYuv {
         }
         return result;
     }
-    VELA_FUSED static Evens mean(const Evens &a, const Evens &b)
+    VELA_FUSED static Evens meanOfEvens(const Form &upper, const Form &lower)
     {
+        const Evens a = evens(upper);
+        const Evens b = evens(lower);
         Evens result;
 #pragma GCC unroll 3
         for (int i = 0; i < 3; ++i) {
@@ -588,6 +692,7 @@ using ToYuv = Choose<integerMatrix(Source::depths[0], Target::depths[0]), Intege
 
 template <class Target, class Source> struct YuvToRgb : ToRgb<Target, Source> {
     using ToRgb<Target, Source>::ToRgb;
+    using Special = Choose<integerMatrix(Source::depths[0], Target::depths[0]), UniformToRgb<Target, Source>, void>;
 };
 template <class Target, class Source> struct RgbToYuv : ToYuv<Target, Source> {
     using ToYuv<Target, Source>::ToYuv;

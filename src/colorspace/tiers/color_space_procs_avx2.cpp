@@ -1,10 +1,7 @@
 #include "simd/avx2.h"
 
-#include "simd/pixels256.h"
-
 #include "simd/loops.h"
 
-#include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/conversions.h"
 
 #include "colorspace/tiers.hpp"

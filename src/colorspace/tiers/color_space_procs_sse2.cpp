@@ -2,12 +2,10 @@
 
 #include "simd/loops.h"
 
-#include "colorspace/kernels/append_alpha.h"
 #include "colorspace/kernels/bt2020.h"
 #include "colorspace/kernels/conversions.h"
 #include "colorspace/kernels/hsv_planes.h"
 #include "colorspace/kernels/no_op.h"
-#include "colorspace/kernels/packed_yuv.h"
 
 #include "colorspace/tiers.hpp"
 
