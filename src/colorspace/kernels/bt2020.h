@@ -36,8 +36,8 @@ template <class Target, class Source> struct RgbToYuv2020 {
     }
     VELA_FUSED static Form load(ConstLine line)
     {
-        const Terms low = Source::loadTerms(line, 0);
-        const Terms high = Source::loadTerms(line, 1);
+        const Terms low = Source::termsOf(Source::loadRaw(line, 0));
+        const Terms high = Source::termsOf(Source::loadRaw(line, 1));
         const u16s luma = average(as<u16s>(narrow(doubleLuma(low), doubleLuma(high))), zero<u16s>());
         const u16s outer = as<u16s>(::evens(as<u32s>(low.outer), as<u32s>(high.outer)));
         const u16s blueAndRed = blueFirst ? outer : swapPairs(outer);
