@@ -4,8 +4,8 @@
 // Blocks run from the left. The last one overlaps the one before, so that any width costs at most a block more than it
 // needs. It travels through a block on the stack where it cannot overlap: in a row that is shorter than a block, and
 // where an odd width would make it start in the middle of a chroma pair. So do, in the last block, sources of which a
-// block reads more than it covers (the next chroma sample, which is repeated at the end of a row) and a source that the
-// destination may be. Nothing outside the rows is touched.
+// block reads more than it covers (the next chroma sample, which is repeated at the end of a row) and, where the block
+// overlaps, a source that the destination may be. Nothing outside the rows is touched.
 #pragma once
 
 // Conversions are put together from parts that make sense only in registers.
@@ -127,17 +127,17 @@ struct EndPlan {
 template <int n> struct EndPlans {
     EndPlan row[n];
     int room;
-    bool any;
+    bool next; // any of the rows
 };
 
 template <int n> constexpr EndPlans<n> layOut(EndPlans<n> plans, int size)
 {
     plans.room = 0;
-    plans.any = false;
+    plans.next = false;
     for (EndPlan &plan : plans.row) {
         plan.offset = plans.room;
         plans.room += ((int)plan.shape.bytes(size) + (plan.next ? plan.shape.unit : 0) + 15) / 16 * 16;
-        plans.any = plans.any || plan.always;
+        plans.next = plans.next || plan.next;
     }
     return plans;
 }
@@ -220,7 +220,7 @@ inline void convertRows(uint8_t *const *to, const uint8_t *const *from, ptrdiff_
     const ptrdiff_t lap = Conversion::inPairs ? (n - size + 1) & ~(ptrdiff_t)1 : n - size;
     const ptrdiff_t last = lap > 0 ? lap : 0;
     const bool whole = n - last == size;
-    if (!planFrom.any && n % size == 0) {
+    if (!planFrom.next && n % size == 0) { // no block overlaps another
         runBlocks<Conversion>(to, from, n, step);
         return;
     }
