@@ -1,6 +1,7 @@
 #include "image.hpp"
 
 extern "C" {
+#include <libavutil/log.h>
 #include <libswscale/swscale.h>
 }
 
@@ -139,6 +140,7 @@ Image photograph(Detail detail)
 
 void convertBySwscale(Image &to, const Image &from, VcbCscMatrix matrix)
 {
+    av_log_set_level(AV_LOG_ERROR); // it warns of flags that a conversion has no use for
     const AVPixelFormat source = av_pix_fmt_desc_get_id(from.layout);
     const AVPixelFormat target = av_pix_fmt_desc_get_id(to.layout);
     constexpr int flags = SWS_POINT | SWS_ACCURATE_RND | SWS_BITEXACT | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
