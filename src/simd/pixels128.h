@@ -280,9 +280,16 @@ template <int... list> inline u32s orderBytes(u32s x)
 }
 
 // Bytes first to fourth of every lane as words; words first to fourth of every four as bytes, limited.
-template <int... list> inline Pair<u16s> widenFours(u32s x)
+template <int first, int second, int third, int fourth> inline Pair<u16s> widenFours(u32s x)
 {
-    return {orderFours<list...>(widenLow(as<u8s>(x))), orderFours<list...>(widenHigh(as<u8s>(x)))};
+    if constexpr (first == 2 && second == 1 && third == 0 && fourth == 3) { // one register to swap, not two
+        const u16s even = orderFours<1, 0, 3, 2>(as<u16s>(x & splat32(0x00FF00FF)));
+        const u16s odd = shiftRight<8>(as<u16s>(x));
+        return {interleaveLow(even, odd), interleaveHigh(even, odd)};
+    } else {
+        return {orderFours<first, second, third, fourth>(widenLow(as<u8s>(x))),
+                orderFours<first, second, third, fourth>(widenHigh(as<u8s>(x)))};
+    }
 }
 template <int... list> inline u32s narrowFours(u16s low, u16s high)
 {
