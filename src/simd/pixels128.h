@@ -280,9 +280,16 @@ template <int... list> inline u32s orderBytes(u32s x)
 }
 
 // Bytes first to fourth of every lane as words; words first to fourth of every four as bytes, limited.
-template <int... list> inline Pair<u16s> widenFours(u32s x)
+template <int first, int second, int third, int fourth> inline Pair<u16s> widenFours(u32s x)
 {
-    return {orderFours<list...>(widenLow(as<u8s>(x))), orderFours<list...>(widenHigh(as<u8s>(x)))};
+    if constexpr (first == 2 && second == 1 && third == 0 && fourth == 3) { // one register to swap, not two
+        const u16s even = orderFours<1, 0, 3, 2>(as<u16s>(x & splat32(0x00FF00FF)));
+        const u16s odd = shiftRight<8>(as<u16s>(x));
+        return {interleaveLow(even, odd), interleaveHigh(even, odd)};
+    } else {
+        return {orderFours<first, second, third, fourth>(widenLow(as<u8s>(x))),
+                orderFours<first, second, third, fourth>(widenHigh(as<u8s>(x)))};
+    }
 }
 template <int... list> inline u32s narrowFours(u16s low, u16s high)
 {
@@ -292,18 +299,26 @@ template <int... list> inline u32s narrowFours(u16s low, u16s high)
 // Limited to bytes, in order.
 inline u8s narrowToBytes(i32s a, i32s b, i32s c, i32s d) { return narrow(narrow(a, b), narrow(c, d)); }
 
-// --- Floats --------------------------------------------------------------------------------------------------
-
-// Words plus a fraction as floats, exactly: a word under the exponent of 2^23 is 2^23 + x. The two registers are in an
-// order of the instruction set's own, which narrowOwn restores.
-inline Pair<f32s> toFloatsOwn(u16s x, float plus)
+// Byte n of every lane in both its words.
+template <int n> inline u16s spreadByte(u32s x)
 {
-    const __m128i exponent = _mm_set1_epi16(0x4B00);
-    const f32s bias = splatF32(8388608.0f - plus);
-    return {f32s{_mm_castsi128_ps(_mm_unpacklo_epi16(x.v, exponent))} - bias,
-            f32s{_mm_castsi128_ps(_mm_unpackhi_epi16(x.v, exponent))} - bias};
+    u32s byte = x;
+    if constexpr (n < 3)
+        byte = shiftLeft<24 - 8 * n>(x);
+    byte = shiftRight<24>(byte);
+    return as<u16s>(byte | shiftLeft<16>(byte));
 }
-inline i16s narrowOwn(i32s first, i32s second) { return {_mm_packs_epi32(first.v, second.v)}; }
+
+// Lanes as bytes of one lane, limited.
+//   a a a a c c c c | b b b b d d d d  ->  a b a b ... c d c d ...  ->  a b c d
+inline u32s narrowLanes(i32s a, i32s b, i32s c, i32s d)
+{
+    const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(a.v, c.v), _mm_packs_epi32(b.v, d.v));
+    const __m128i pairs = _mm_unpacklo_epi8(bytes, _mm_srli_si128(bytes, 8));
+    return {_mm_unpacklo_epi16(pairs, _mm_srli_si128(pairs, 8))};
+}
+
+// --- Floats --------------------------------------------------------------------------------------------------
 
 // 1 / x to 11 bits or better, by processor; infinity for 0.
 inline f32s reciprocalEstimate(f32s x) { return {_mm_rcp_ps(x.v)}; }

@@ -306,18 +306,22 @@ inline u8s narrowToBytes(i32s a, i32s b, i32s c, i32s d)
     return {_mm256_permutevar8x32_epi32(words, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7))};
 }
 
-// --- Floats --------------------------------------------------------------------------------------------------
-
-// Words plus a fraction as floats, exactly: a word under the exponent of 2^23 is 2^23 + x. The two registers are in an
-// order of the instruction set's own, which narrowOwn restores.
-inline Pair<f32s> toFloatsOwn(u16s x, float plus)
+// Byte n of every lane in both its words.
+template <int n> inline u16s spreadByte(u32s x)
 {
-    const __m256i exponent = _mm256_set1_epi16(0x4B00);
-    const f32s bias = splatF32(8388608.0f - plus);
-    return {f32s{_mm256_castsi256_ps(_mm256_unpacklo_epi16(x.v, exponent))} - bias,
-            f32s{_mm256_castsi256_ps(_mm256_unpackhi_epi16(x.v, exponent))} - bias};
+    const __m128i order = _mm_setr_epi8(n, -1, n, -1, n + 4, -1, n + 4, -1, n + 8, -1, n + 8, -1, n + 12, -1, n + 12, -1);
+    return {_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order))};
 }
-inline i16s narrowOwn(i32s first, i32s second) { return {_mm256_packs_epi32(first.v, second.v)}; }
+
+// Lanes as bytes of one lane, limited.
+inline u32s narrowLanes(i32s a, i32s b, i32s c, i32s d)
+{
+    const __m256i bytes = _mm256_packus_epi16(_mm256_packs_epi32(a.v, b.v), _mm256_packs_epi32(c.v, d.v));
+    const __m128i order = _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+    return {_mm256_shuffle_epi8(bytes, _mm256_broadcastsi128_si256(order))};
+}
+
+// --- Floats --------------------------------------------------------------------------------------------------
 
 // 1 / x to 11 bits or better, by processor; infinity for 0.
 inline f32s reciprocalEstimate(f32s x) { return {_mm256_rcp_ps(x.v)}; }

@@ -59,12 +59,11 @@ private:
     VELA_FUSED static u32s premultiplied(u32s x)
     {
         static_assert(alphaAt == 0 || alphaAt == 3);
-        const u32s low = splat32(0x00FF00FF);
-        const u32s alphas = orderBytes<alphaAt, alphaAt, alphaAt, alphaAt>(x) & low;
-        const u16s kept = as<u16s>(splat32(alphaAt == 0 ? 0x000000FF : 0x00FF0000));
-        const u16s withOne = select(as<u16s>(splat32(alphaAt == 0 ? 0x0000FFFF : 0xFFFF0000)), kept, as<u16s>(alphas));
-        const u16s even = scaled<8>(as<u16s>(x & low), alphaAt == 0 ? withOne : as<u16s>(alphas));
-        const u16s odd = scaled<8>(shiftRight<8>(as<u16s>(x)), alphaAt == 0 ? as<u16s>(alphas) : withOne);
+        const u16s alphas = spreadByte<alphaAt>(x);
+        const u16s one = splat16(255);
+        const u16s withOne = alphaAt == 0 ? pairEvens(one, alphas) : pairEvens(alphas, one);
+        const u16s even = scaled<8>(as<u16s>(x & splat32(0x00FF00FF)), alphaAt == 0 ? withOne : alphas);
+        const u16s odd = scaled<8>(shiftRight<8>(as<u16s>(x)), alphaAt == 0 ? alphas : withOne);
         return as<u32s>(even | shiftLeft<8>(odd));
     }
 };
@@ -74,32 +73,10 @@ using PremultiplyBy = Choose<Source::depths[0] == 8, PremultiplyBytes<Target, So
 template <class Target, class Source> struct Premultiply : PremultiplyBy<Target, Source> {};
 
 // Division of colours by one alpha. With half a code added to the dividend, (largest * c + a / 2) / a is at least
-// 0.5 / a from any whole number, and one reciprocal serves all colours: it misses by less than 0.1 / a.
-struct DivideBytes {
-    u16s half;
-    f32s first;
-    f32s second;
+// 0.5 / a from any whole number, so that one reciprocal serves all colours.
 
-    // An estimate and one step of Newton's.
-    VELA_FUSED static f32s reciprocal(f32s a)
-    {
-        const f32s estimate = reciprocalEstimate(a);
-        return estimate * (splatF32(2) - a * estimate);
-    }
-    VELA_FUSED explicit DivideBytes(u16s a) : half(shiftRight<1>(a))
-    {
-        const Floats values = toFloatsOwn(a, 0);
-        first = reciprocal(values.low);
-        second = reciprocal(values.high);
-    }
-    // What is too large is limited on the way to bytes. An alpha of 0 makes a NaN, which becomes the least integer, which
-    // is limited to 0.
-    VELA_FUSED u16s operator()(u16s c) const
-    {
-        const Floats x = toFloatsOwn(as<u16s>(as<i16s>(c) * splatI16(255)) + half, 0.5f);
-        return as<u16s>(narrowOwn(truncate(x.low * first), truncate(x.high * second)));
-    }
-};
+// Words, in double precision. What is too large is limited ahead of the conversion to integers; where a is 0 the result
+// is masked.
 struct DivideWords {
     u16s isNone;
     Pair<f64s> halfLow;
@@ -142,10 +119,9 @@ struct DivideFloats {
     VELA_FUSED Floats operator()(Floats c) const { return {divide(c.low, a.low), divide(c.high, a.high)}; }
 };
 
-template <class Target, class Source> struct Unpremultiply : OnPixels<Source> {
+template <class Target, class Source> struct UnpremultiplyPlanes : OnPixels<Source> {
     using typename OnPixels<Source>::Block;
-    static constexpr int depth = Source::depths[0];
-    using Divide = Choose<depth == 8, DivideBytes, Choose<depth == 16, DivideWords, DivideFloats>>;
+    using Divide = Choose<Source::depths[0] == 16, DivideWords, DivideFloats>;
 
     VELA_FUSED Block operator()(Block x) const
     {
@@ -153,6 +129,46 @@ template <class Target, class Source> struct Unpremultiply : OnPixels<Source> {
         return {{divided(x.c[0]), divided(x.c[1]), divided(x.c[2])}, x.a};
     }
 };
+
+// Bytes, pixel by pixel where they are, as c * (255 / a) + (a / 2 + 0.5) / a. The reciprocal is an estimate and one step
+// of Newton's; with all roundings the sum misses by less than 0.05 / a. What is too large is limited on the way to bytes.
+// An alpha of 0 makes a NaN, which becomes the least integer, which is limited to 0.
+template <class Target, class Source> struct UnpremultiplyBytes {
+    using Samples = u8s;
+    static constexpr int turns = 1;
+    using Arguments = List<>;
+
+    VELA_FUSED static PixelWords load(ConstLine line) { return Source::loadWords(line[0]); }
+    VELA_FUSED PixelWords operator()(PixelWords x) const { return {divided(x.a), divided(x.b), divided(x.c), divided(x.d)}; }
+
+private:
+    static constexpr int alphaAt = Source::at[3];
+
+    template <int byte> VELA_FUSED static i32s get(u32s x)
+    {
+        return as<i32s>(byte == 3 ? shiftRight<24>(x) : shiftRight<8 * byte>(x) & splat32(0xFF));
+    }
+    template <int byte> VELA_FUSED static i32s divided(u32s x, i32s alpha, f32s scale, f32s half)
+    {
+        return byte == alphaAt ? alpha : truncate(toFloat(get<byte>(x)) * scale + half);
+    }
+    VELA_FUSED static u32s divided(u32s x)
+    {
+        const i32s alpha = get<alphaAt>(x);
+        const f32s a = toFloat(alpha);
+        const f32s estimate = reciprocalEstimate(a);
+        const f32s reciprocal = estimate * (splatF32(2) - a * estimate);
+        const f32s scale = splatF32(255) * reciprocal;
+        const f32s half = (toFloat(shiftRight<1>(alpha)) + splatF32(0.5f)) * reciprocal;
+        return narrowLanes(divided<0>(x, alpha, scale, half), divided<1>(x, alpha, scale, half),
+                           divided<2>(x, alpha, scale, half), divided<3>(x, alpha, scale, half));
+    }
+};
+
+template <class Target, class Source>
+using UnpremultiplyBy =
+    Choose<Source::depths[0] == 8, UnpremultiplyBytes<Target, Source>, UnpremultiplyPlanes<Target, Source>>;
+template <class Target, class Source> struct Unpremultiply : UnpremultiplyBy<Target, Source> {};
 
 // --- Another alpha -------------------------------------------------------------------------------------------
 

@@ -39,6 +39,14 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
         return false;
     }
 
+    // Of the chroma of even pixels.
+    static constexpr Chroma evensOrder()
+    {
+        if constexpr (requires { Step::evensOrder; })
+            return Step::evensOrder;
+        return Chroma::uv;
+    }
+
     template <class Rows> static constexpr RowShape shapeInBlocks(int row)
     {
         return lumaPasses && row < lines ? RowShape{0} : Rows::shape(row);
@@ -85,12 +93,12 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
         if constexpr (!TargetLayout::subsampled) {
             storePixels(target, step(upper));
         } else if constexpr (lines == 1) {
-            putLine<Chroma::uv>(target, step.luma(upper), step.chroma(Step::evens(upper)));
+            putLine<evensOrder()>(target, step.luma(upper), step.chroma(Step::evens(upper)));
         } else {
             storeLuma(target, step.luma(upper));
             const auto lower = Step::load(lowerSource);
             storeLuma(lowerTarget, step.luma(lower));
-            TargetLayout::template storePairs<Chroma::uv>(target, step.chroma(Step::meanOfEvens(upper, lower)));
+            TargetLayout::template storePairs<evensOrder()>(target, step.chroma(Step::meanOfEvens(upper, lower)));
         }
     }
 

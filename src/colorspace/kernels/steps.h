@@ -70,7 +70,13 @@ template <class Target, class Source> struct Video {
     // Samples that pass unchanged.
     static constexpr bool passes = Target::depths[0] == Source::depths[0];
     // Between planes the block is whatever fills registers on both sides.
-    static constexpr bool isPlanes = (Target::subsampled && Source::subsampled) ||
+    static constexpr bool halvesPlanes()
+    {
+        if constexpr (Target::subsampled && !Source::subsampled)
+            return Target::order == Chroma::apart && Source::lumaInPlane;
+        return false;
+    }
+    static constexpr bool isPlanes = (Target::subsampled && Source::subsampled) || halvesPlanes() ||
                                      (Target::oneComponent && Source::oneComponent);
     using OfPlanes = Choose<Source::inBytes, Choose<passes, Double<u8s>, Choose<Source::packed, Double<u16s>, u8s>>,
                             Double<u16s>>;
@@ -94,7 +100,14 @@ template <class Target, class Source> struct Video {
     }
     VELA_FUSED auto luma(Samples y) const { return depth(y); }
     VELA_FUSED auto luma(const Pixels<Samples> &x) const { return depth(x.c[0]); }
-    VELA_FUSED static Samples evens(const Pixels<Samples> &x) { return pairEvens(x.c[1], x.c[2]); }
+    static constexpr Chroma evensOrder = halvesPlanes() ? Chroma::apart : Chroma::uv;
+    VELA_FUSED static Samples evens(const Pixels<Samples> &x)
+    {
+        if constexpr (halvesPlanes())
+            return {::evens(x.c[1].low, x.c[1].high), ::evens(x.c[2].low, x.c[2].high)};
+        else
+            return pairEvens(x.c[1], x.c[2]);
+    }
     VELA_FUSED static Samples meanOfEvens(const Pixels<Samples> &a, const Pixels<Samples> &b)
     {
         return average(evens(a), evens(b));
