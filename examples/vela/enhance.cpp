@@ -1,6 +1,7 @@
 // vela enhance: a picture smoothed, sharpened, and sent through packed 4:2:2 and back.
 #include "commands.hpp"
 #include "failure.hpp"
+#include "options.hpp"
 #include "paths.hpp"
 #include "picture.hpp"
 #include "rows.hpp"
@@ -155,8 +156,7 @@ private:
     {
         std::string speed = formatted("%.0f", megapixelsPerSecond);
         for (const SlotInUse &slot : slots) {
-            table.addRow(
-                {name, slot.info->name, slot.family + ' ' + std::to_string(slot.info->number), slot.tier->name, speed});
+            addStep(table, name, slot, speed);
             name.clear();
             speed = "(both)";
         }
@@ -166,7 +166,7 @@ private:
     int height;
     double megapixels;
     Progress progress;
-    Table table{{{"step"}, {"kernel"}, {"slot"}, {"tier"}, {"Mpixel/s", Table::Align::right}}};
+    Table table = tableOfSteps("Mpixel/s");
     std::vector<std::string> notes;
     std::vector<std::string> files;
 };
@@ -280,14 +280,11 @@ void makeDirectory(const std::filesystem::path &directory)
 void runEnhance(EnhanceOptions options, Session &session)
 {
     const Library &library = session.library();
-    if (options.threads == 0)
-        options.threads = std::max(1, static_cast<int>(LIBRARY_EXPORT(library, g_TesselConf)->NumberOfThreads));
-
+    options.threads = threadsToUse(options.threads, library);
     const Picture input = readBmp(library, pathFromUtf8(options.input));
     makeDirectory(pathFromUtf8(options.outputDirectory));
     std::cout << options.input << ": " << input.width() << " x " << input.height() << ", " << 8 * input.bytesPerPixel()
-              << " bits; median of " << options.runs << " runs on " << options.threads
-              << (options.threads == 1 ? " thread" : " threads") << "\n\n";
+              << " bits; median of " << options.runs << " runs on " << counted(options.threads, "thread") << "\n\n";
     Enhancement(options, library, input).run(input);
 }
 
@@ -298,15 +295,6 @@ The round trip starts from the picture as YUV (BT.601, full range); the PSNR com
 Examples:
   vela enhance photo.bmp out
   vela enhance photo.bmp out --passes 4 --strength 3 --threads 0)";
-
-void addNumber(CLI::App &command, const std::string &name, int &value, int smallest, int largest,
-               const std::string &description)
-{
-    command.add_option(name, value, description)
-        ->type_name("N")
-        ->check(CLI::Range(smallest, largest).description(""))
-        ->capture_default_str();
-}
 
 } // namespace
 
@@ -325,8 +313,7 @@ void addEnhanceCommand(CLI::App &app, Session &session)
               "Smoothing passes, 1 to 100: how far the smoothing reaches");
     addNumber(command, "--strength", options->strength, 1, 20, "How often the sharpening is applied, 1 to 20");
     addNumber(command, "--runs", options->runs, 1, 1000, "Timed runs of every step, 1 to 1000");
-    addNumber(command, "--threads", options->threads, 0, 256,
-              "Threads, 1 to 256; 0: as the library's configuration says");
+    addThreads(command, options->threads);
     command.footer(footer);
     command.callback([options, &session] { runEnhance(*options, session); });
 }
