@@ -127,7 +127,8 @@ template <class Kernel> constexpr Conversion conversion(const char *from, const 
     return made;
 }
 
-// Slots 184 to 191 are not here: they have coefficients of their own for YUYV and UYVY, and so mean another YUV.
+// Not here: slots 184 to 191, which have coefficients of their own for YUYV and UYVY and so mean another YUV, and slot
+// 181, which makes of DPX3B a transparent A2R10G10B10 and the other way leaves alpha in bits that DPX wants empty.
 constexpr auto conversions = [] {
 #define CONVERSION(from, to, name) conversion<decltype(VcbColorSpaceProcs::name)>(#from, #to, VcbColorSpaceProcs_##name)
     return std::to_array<Conversion>({
@@ -314,8 +315,6 @@ constexpr auto conversions = [] {
         CONVERSION(RGB48, RGBA64, CscRgb48ToRgba64),
         CONVERSION(A2R10G10B10, A2B10G10R10, CscSwapRbA2r10),
         CONVERSION(A2B10G10R10, A2R10G10B10, CscSwapRbA2r10),
-        CONVERSION(A2R10G10B10, DPX3B, CscSwapEndian32),
-        CONVERSION(DPX3B, A2R10G10B10, CscSwapEndian32),
         CONVERSION(DPX3A, A2R10G10B10, CscDpx3AToA2r10),
         CONVERSION(A2R10G10B10, DPX3A, CscA2r10ToDpx3A),
         CONVERSION(V210, UYVY, CscV210ToUyvy),

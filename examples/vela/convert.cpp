@@ -381,7 +381,8 @@ Examples:
 
 constexpr const char *formatsFooter =
     R"(bits: of a sample, the fewest; 32 is float. bytes: of each plane, for a pixel or for so many pixels x lines. ffmpeg:
-the pixel formats of the same bytes; those with an x, rgb555le and rgb444le leave the alpha unused.)";
+the pixel formats of the same bytes; those with an x, rgb555le and rgb444le leave the alpha unused. 'vela convert' uses
+the conversions between YUV and grey, which pass luma on as it is, only if YUV has the full range.)";
 
 } // namespace
 
