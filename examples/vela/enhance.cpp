@@ -7,12 +7,10 @@
 #include "rows.hpp"
 #include "slots.hpp"
 #include "table.hpp"
-#include "yuv.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <array>
-#include <cmath>
 #include <iostream>
 #include <memory>
 
@@ -113,6 +111,18 @@ void expandRows(const PackedLayout &layout, Picture &to, const Picture &from, in
         layout.expand(to.row(y), from.row(y), wholePairs, opaque);
 }
 
+void toYuvaRows(const Kernels &kernels, const CscRgbToYuv &matrix, Picture &to, const Picture &from, int first, int end)
+{
+    for (int y = first; y < end; ++y)
+        kernels.colorSpace.colorSpace.CscBgraToYuva(to.row(y), from.row(y), from.width(), &matrix);
+}
+
+void toBgraRows(const Kernels &kernels, const CscYuvToRgb &matrix, Picture &to, const Picture &from, int first, int end)
+{
+    for (int y = first; y < end; ++y)
+        kernels.colorSpace.colorSpace.CscYuvaToBgra(to.row(y), from.row(y), from.width(), &matrix);
+}
+
 // --- Running and reporting them ------------------------------------------------------------------------------
 
 // Runs steps several times over a whole picture and collects what the user sees of them.
@@ -191,6 +201,12 @@ public:
     Enhancement(const EnhanceOptions &wanted, const Library &loaded, const Picture &input)
         : options(wanted), library(loaded), kernels(loaded), report(wanted, input)
     {
+        // As in JPEG files.
+        double kr = 0;
+        double kb = 0;
+        CscMatrixWeights(VCB_CSC_BT601, &kr, &kb);
+        CscBuildRgbToYuv(&rgbToYuv, kr, kb, VCB_CSC_FULL, 8, VCB_CSC_FULL, 8);
+        CscBuildYuvToRgb(&yuvToRgb, kr, kb, VCB_CSC_FULL, 8, VCB_CSC_FULL, 8);
     }
 
     void run(const Picture &input)
@@ -201,7 +217,7 @@ public:
         save("sharpened", sharpen(original, smoothed));
         const Picture yuva = toYuva(original);
         for (const PackedLayout &layout : packedLayouts(kernels))
-            save(layout.name, toBgra(roundTrip(layout, yuva)));
+            save(layout.name, toBgra(layout.name, roundTrip(layout, yuva)));
         report.print();
     }
 
@@ -240,6 +256,22 @@ private:
         return sharp;
     }
 
+    Picture toYuva(const Picture &bgra)
+    {
+        Picture yuva(bgra.width(), bgra.height(), 4);
+        report.step("to YUV", {kernels.colorSlot(VcbColorSpaceProcs_CscBgraToYuva)}, 1,
+                    [&](int, int first, int end) { toYuvaRows(kernels, rgbToYuv, yuva, bgra, first, end); });
+        return yuva;
+    }
+
+    Picture toBgra(const std::string &name, const Picture &yuva)
+    {
+        Picture bgra(yuva.width(), yuva.height(), 4);
+        report.step(name + " to RGB", {kernels.colorSlot(VcbColorSpaceProcs_CscYuvaToBgra)}, 1,
+                    [&](int, int first, int end) { toBgraRows(kernels, yuvToRgb, bgra, yuva, first, end); });
+        return bgra;
+    }
+
     Picture roundTrip(const PackedLayout &layout, const Picture &yuva)
     {
         const std::string name = layout.name;
@@ -266,6 +298,8 @@ private:
     const EnhanceOptions &options;
     const Library &library;
     const Kernels kernels;
+    CscRgbToYuv rgbToYuv;
+    CscYuvToRgb yuvToRgb;
     Report report;
 };
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fstream>
 
 namespace host {
@@ -101,5 +102,19 @@ void writeBmp(const Library &library, const std::filesystem::path &path, const P
     if (std::filesystem::file_size(path, error) != wanted)
         throw unwritable(path, "the file is incomplete; is the disk full?");
 }
+
+double meanSquaredError(const Picture &a, const Picture &b, int channel)
+{
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const int difference = a.row(y)[4 * x + channel] - b.row(y)[4 * x + channel];
+            sum += difference * difference; // whole numbers below 2^53: exact
+        }
+    }
+    return sum / (static_cast<double>(a.width()) * a.height());
+}
+
+double peakSignalToNoise(double meanSquaredError) { return 10.0 * std::log10(255.0 * 255.0 / meanSquaredError); }
 
 } // namespace host
