@@ -24,6 +24,7 @@ struct ConvertOptions {
     std::string size;
     std::string matrix = "bt709";
     std::string range = "limited:full";
+    int runs = 1;
     int threads = 1;
     std::optional<int> alpha;
 };
@@ -131,7 +132,7 @@ struct Step {
     VcbKernel kernel;
     CscYuvToRgb toRgb;
     CscRgbToYuv toYuv;
-    std::vector<double> seconds; // of every frame
+    std::vector<double> seconds; // of every run over every frame
 };
 
 Step makeStep(const Conversion &conversion, const VcbColorSpaceProcs &table, int32_t level, const Colours &colours)
@@ -255,21 +256,25 @@ void printSpeeds(const std::vector<Step> &steps, const Input &input)
     table.print(std::cout);
 }
 
-void convertFrames(const Input &input, Output &output, std::vector<Step> &steps, int threads, int alpha)
+void convertFrames(const ConvertOptions &options, const Input &input, Output &output, std::vector<Step> &steps)
 {
+    const int alpha = options.alpha.value_or(opaque);
     std::vector<Frame> frames{{*input.layout, input.width, input.height}};
     for (const Step &step : steps)
         frames.emplace_back(*step.conversion->to, input.width, input.height);
+    const auto convert = [&](std::size_t step) {
+        overRows((input.height + 1) / 2, options.threads, [&](int first, int end) { // pairs of lines
+            convertLines(steps[step], frames[step + 1], frames[step], 2 * first, std::min(2 * end, input.height),
+                         alpha);
+        });
+    };
     Progress progress;
     for (std::int64_t frame = 0; frame < input.frames; ++frame) {
         progress.show("frame " + std::to_string(frame + 1) + " of " + std::to_string(input.frames));
         input.read(frames.front());
-        for (std::size_t i = 0; i < steps.size(); ++i)
-            steps[i].seconds.push_back(secondsOf([&] {
-                overRows((input.height + 1) / 2, threads, [&](int first, int end) { // pairs of lines
-                    convertLines(steps[i], frames[i + 1], frames[i], 2 * first, std::min(2 * end, input.height), alpha);
-                });
-            }));
+        for (std::size_t step = 0; step < steps.size(); ++step)
+            for (int run = 0; run < options.runs; ++run)
+                steps[step].seconds.push_back(secondsOf([&] { convert(step); }));
         output.write(frames.back());
     }
 }
@@ -287,7 +292,7 @@ void runConvert(ConvertOptions options, Session &session)
     checkIsNotInput(path, pathFromUtf8(options.input));
 
     Output output(path, isBmpName(options.output), library);
-    convertFrames(input, output, steps, options.threads, options.alpha.value_or(opaque));
+    convertFrames(options, input, output, steps);
     output.finish();
     printTask(options, input, steps);
     printSpeeds(steps, input);
@@ -372,7 +377,7 @@ width the last pixel is repeated for those.
 
 Where no slot converts directly, the conversion is composed of the few that lose the least, and the output says of
 which. Matrix and ranges count between YUV and RGB, and for grey, which is full range. Until it is complete, OUT has the
-name OUT.part. Speeds are those of the median frame.
+name OUT.part. Speeds are those of the median run.
 
 Examples:
   vela convert photo.bmp photo.nv12 --to NV12 --matrix bt601
@@ -408,6 +413,7 @@ void addConvertCommand(CLI::App &app, Session &session)
     command.add_option("--alpha", options->alpha, "Alpha of pixels that had none, 0 to 255 (default: 255)")
         ->type_name("A")
         ->check(CLI::Range(0, opaque).description(""));
+    addNumber(command, "--runs", options->runs, 1, 1000, "Timed runs over every frame, 1 to 1000");
     addThreads(command, options->threads);
     command.footer(convertFooter);
     command.callback([options, &session] { runConvert(*options, session); });

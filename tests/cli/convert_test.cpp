@@ -476,6 +476,7 @@ TEST_F(Convert, ProblemsAreOneLineAndLeaveTheOutputAlone)
         {in + out + "--from NV12 --to RGB24 --matrix bt601x" + size, 2, "--matrix"},
         {in + out + "--from NV12 --to RGB24 --range tv:pc" + size, 2, "--range"},
         {in + out + "--from NV12 --to RGB24 --threads 257" + size, 2, "--threads"},
+        {in + out + "--from NV12 --to RGB24 --runs 0" + size, 2, "--runs"},
         {in + out + "--from NV12 --to BGRA32 --alpha 256" + size, 2, "--alpha"},
         {in + out + "--from NV12 --to RGB24 --alpha 9" + size, 2, "--alpha: RGB24 has no alpha"},
         {in + out + "--from NV12 --to F32x4 --alpha 9" + size, 2, "--alpha: no kernel of NV12 > F32x4"},
