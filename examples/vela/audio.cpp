@@ -66,9 +66,7 @@ std::vector<Track> openTracks(const AudioOptions &options)
     std::vector<Track> tracks;
     for (std::size_t i = 0; i < count; ++i) {
         WavReader file(pathFromUtf8(options.files[i]));
-        std::error_code error;
-        if (std::filesystem::equivalent(file.path(), pathFromUtf8(options.files.back()), error))
-            throw Failure("the output would replace the input " + quoted(file.path()));
+        checkIsNotInput(pathFromUtf8(options.files.back()), file.path());
         if (!tracks.empty())
             checkAlike(tracks.front().file, file);
         tracks.push_back({std::move(file), gainOf(options, i), {}});
@@ -220,11 +218,9 @@ private:
 
     void printSteps() const
     {
-        Table table({{"step"}, {"kernel"}, {"slot"}, {"tier"}, {"Msample/s", Table::Align::right}});
+        Table table = tableOfSteps("Msample/s");
         for (const Step &step : kernels.steps())
-            table.addRow({step.name, step.slot.info->name,
-                          step.slot.family + ' ' + std::to_string(step.slot.info->number), step.slot.tier->name,
-                          formatted("%.0f", step.megasamplesPerSecond())});
+            addStep(table, step.name, step.slot, formatted("%.0f", step.megasamplesPerSecond()));
         table.print(std::cout);
     }
 

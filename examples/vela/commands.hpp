@@ -27,6 +27,8 @@ private:
 // problems by throwing Failure or UsageError.
 void addInfoCommand(CLI::App &app, Session &session);
 void addEnhanceCommand(CLI::App &app, Session &session);
+void addConvertCommand(CLI::App &app, Session &session);
+void addFormatsCommand(CLI::App &app, Session &session);
 void addAudioCommand(CLI::App &app, Session &session); // where libsndfile is: see VELA_AUDIO
 
 } // namespace host

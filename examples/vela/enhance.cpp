@@ -1,17 +1,16 @@
 // vela enhance: a picture smoothed, sharpened, and sent through packed 4:2:2 and back.
 #include "commands.hpp"
 #include "failure.hpp"
+#include "options.hpp"
 #include "paths.hpp"
 #include "picture.hpp"
 #include "rows.hpp"
 #include "slots.hpp"
 #include "table.hpp"
-#include "yuv.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <array>
-#include <cmath>
 #include <iostream>
 #include <memory>
 
@@ -112,6 +111,18 @@ void expandRows(const PackedLayout &layout, Picture &to, const Picture &from, in
         layout.expand(to.row(y), from.row(y), wholePairs, opaque);
 }
 
+void toYuvaRows(const Kernels &kernels, const CscRgbToYuv &matrix, Picture &to, const Picture &from, int first, int end)
+{
+    for (int y = first; y < end; ++y)
+        kernels.colorSpace.colorSpace.CscBgraToYuva(to.row(y), from.row(y), from.width(), &matrix);
+}
+
+void toBgraRows(const Kernels &kernels, const CscYuvToRgb &matrix, Picture &to, const Picture &from, int first, int end)
+{
+    for (int y = first; y < end; ++y)
+        kernels.colorSpace.colorSpace.CscYuvaToBgra(to.row(y), from.row(y), from.width(), &matrix);
+}
+
 // --- Running and reporting them ------------------------------------------------------------------------------
 
 // Runs steps several times over a whole picture and collects what the user sees of them.
@@ -155,8 +166,7 @@ private:
     {
         std::string speed = formatted("%.0f", megapixelsPerSecond);
         for (const SlotInUse &slot : slots) {
-            table.addRow(
-                {name, slot.info->name, slot.family + ' ' + std::to_string(slot.info->number), slot.tier->name, speed});
+            addStep(table, name, slot, speed);
             name.clear();
             speed = "(both)";
         }
@@ -166,7 +176,7 @@ private:
     int height;
     double megapixels;
     Progress progress;
-    Table table{{{"step"}, {"kernel"}, {"slot"}, {"tier"}, {"Mpixel/s", Table::Align::right}}};
+    Table table = tableOfSteps("Mpixel/s");
     std::vector<std::string> notes;
     std::vector<std::string> files;
 };
@@ -191,6 +201,12 @@ public:
     Enhancement(const EnhanceOptions &wanted, const Library &loaded, const Picture &input)
         : options(wanted), library(loaded), kernels(loaded), report(wanted, input)
     {
+        // As in JPEG files.
+        double kr = 0;
+        double kb = 0;
+        CscMatrixWeights(VCB_CSC_BT601, &kr, &kb);
+        CscBuildRgbToYuv(&rgbToYuv, kr, kb, VCB_CSC_FULL, 8, VCB_CSC_FULL, 8);
+        CscBuildYuvToRgb(&yuvToRgb, kr, kb, VCB_CSC_FULL, 8, VCB_CSC_FULL, 8);
     }
 
     void run(const Picture &input)
@@ -201,7 +217,7 @@ public:
         save("sharpened", sharpen(original, smoothed));
         const Picture yuva = toYuva(original);
         for (const PackedLayout &layout : packedLayouts(kernels))
-            save(layout.name, toBgra(roundTrip(layout, yuva)));
+            save(layout.name, toBgra(layout.name, roundTrip(layout, yuva)));
         report.print();
     }
 
@@ -240,6 +256,22 @@ private:
         return sharp;
     }
 
+    Picture toYuva(const Picture &bgra)
+    {
+        Picture yuva(bgra.width(), bgra.height(), 4);
+        report.step("to YUV", {kernels.colorSlot(VcbColorSpaceProcs_CscBgraToYuva)}, 1,
+                    [&](int, int first, int end) { toYuvaRows(kernels, rgbToYuv, yuva, bgra, first, end); });
+        return yuva;
+    }
+
+    Picture toBgra(const std::string &name, const Picture &yuva)
+    {
+        Picture bgra(yuva.width(), yuva.height(), 4);
+        report.step(name + " to RGB", {kernels.colorSlot(VcbColorSpaceProcs_CscYuvaToBgra)}, 1,
+                    [&](int, int first, int end) { toBgraRows(kernels, yuvToRgb, bgra, yuva, first, end); });
+        return bgra;
+    }
+
     Picture roundTrip(const PackedLayout &layout, const Picture &yuva)
     {
         const std::string name = layout.name;
@@ -266,6 +298,8 @@ private:
     const EnhanceOptions &options;
     const Library &library;
     const Kernels kernels;
+    CscRgbToYuv rgbToYuv;
+    CscYuvToRgb yuvToRgb;
     Report report;
 };
 
@@ -280,14 +314,11 @@ void makeDirectory(const std::filesystem::path &directory)
 void runEnhance(EnhanceOptions options, Session &session)
 {
     const Library &library = session.library();
-    if (options.threads == 0)
-        options.threads = std::max(1, static_cast<int>(LIBRARY_EXPORT(library, g_TesselConf)->NumberOfThreads));
-
+    options.threads = threadsToUse(options.threads, library);
     const Picture input = readBmp(library, pathFromUtf8(options.input));
     makeDirectory(pathFromUtf8(options.outputDirectory));
     std::cout << options.input << ": " << input.width() << " x " << input.height() << ", " << 8 * input.bytesPerPixel()
-              << " bits; median of " << options.runs << " runs on " << options.threads
-              << (options.threads == 1 ? " thread" : " threads") << "\n\n";
+              << " bits; median of " << options.runs << " runs on " << counted(options.threads, "thread") << "\n\n";
     Enhancement(options, library, input).run(input);
 }
 
@@ -298,15 +329,6 @@ The round trip starts from the picture as YUV (BT.601, full range); the PSNR com
 Examples:
   vela enhance photo.bmp out
   vela enhance photo.bmp out --passes 4 --strength 3 --threads 0)";
-
-void addNumber(CLI::App &command, const std::string &name, int &value, int smallest, int largest,
-               const std::string &description)
-{
-    command.add_option(name, value, description)
-        ->type_name("N")
-        ->check(CLI::Range(smallest, largest).description(""))
-        ->capture_default_str();
-}
 
 } // namespace
 
@@ -325,8 +347,7 @@ void addEnhanceCommand(CLI::App &app, Session &session)
               "Smoothing passes, 1 to 100: how far the smoothing reaches");
     addNumber(command, "--strength", options->strength, 1, 20, "How often the sharpening is applied, 1 to 20");
     addNumber(command, "--runs", options->runs, 1, 1000, "Timed runs of every step, 1 to 1000");
-    addNumber(command, "--threads", options->threads, 0, 256,
-              "Threads, 1 to 256; 0: as the library's configuration says");
+    addThreads(command, options->threads);
     command.footer(footer);
     command.callback([options, &session] { runEnhance(*options, session); });
 }

@@ -21,6 +21,8 @@ constexpr const char *examples = R"(Examples:
   vela info                                what this processor gets from the library
   vela info --slots video                  every kernel of a family, and the tier that runs
   vela enhance photo.bmp out               smoothed, sharpened and 4:2:2 copies in directory out
+  vela convert photo.bmp photo.nv12 --to NV12   pictures and raw video from one pixel layout to another
+  vela formats                             the layouts and the conversions
 )";
 
 #if defined(VELA_AUDIO)
@@ -69,6 +71,8 @@ int run(std::vector<std::string> arguments)
 
     addInfoCommand(app, session);
     addEnhanceCommand(app, session);
+    addConvertCommand(app, session);
+    addFormatsCommand(app, session);
 #if defined(VELA_AUDIO)
     addAudioCommand(app, session);
 #endif

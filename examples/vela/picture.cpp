@@ -1,11 +1,11 @@
 #include "picture.hpp"
 
-#include "failure.hpp"
-#include "paths.hpp"
+#include "files.hpp"
 #include "system.hpp"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fstream>
 
 namespace host {
@@ -25,11 +25,6 @@ std::uint32_t littleEndian32(const Header &header, std::size_t offset)
 std::size_t fileRowBytes(int width, int bytesPerPixel)
 {
     return (static_cast<std::size_t>(width) * static_cast<std::size_t>(bytesPerPixel) + 3) / 4 * 4;
-}
-
-Failure unreadable(const std::filesystem::path &path, const std::string &reason)
-{
-    return Failure("cannot read " + quoted(path) + ": " + reason);
 }
 
 // VCB_ReadBMP copies the rows that follow the first 54 bytes and leaves it to the host to know that those are
@@ -98,14 +93,28 @@ void writeBmp(const Library &library, const std::filesystem::path &path, const P
         widePath(path).c_str(), picture.row(0), static_cast<int64_t>(picture.strideBytes()), bitsPerPixel,
         picture.width(), static_cast<uint32_t>(picture.height()), flip);
     if (!opened)
-        throw Failure("cannot write " + quoted(path) + ": the file cannot be created");
+        throw unwritable(path, "the file cannot be created");
 
     // The export does not report what happens after the file is open.
     const std::uintmax_t wanted = headerBytes + fileRowBytes(picture.width(), picture.bytesPerPixel()) *
                                                     static_cast<std::size_t>(picture.height());
     std::error_code error;
     if (std::filesystem::file_size(path, error) != wanted)
-        throw Failure("cannot write " + quoted(path) + ": the file is incomplete; is the disk full?");
+        throw unwritable(path, "the file is incomplete; is the disk full?");
 }
+
+double meanSquaredError(const Picture &a, const Picture &b, int channel)
+{
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const int difference = a.row(y)[4 * x + channel] - b.row(y)[4 * x + channel];
+            sum += difference * difference; // whole numbers below 2^53: exact
+        }
+    }
+    return sum / (static_cast<double>(a.width()) * a.height());
+}
+
+double peakSignalToNoise(double meanSquaredError) { return 10.0 * std::log10(255.0 * 255.0 / meanSquaredError); }
 
 } // namespace host

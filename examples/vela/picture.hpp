@@ -38,4 +38,10 @@ Picture readBmp(const Library &library, const std::filesystem::path &path);
 // Throws Failure.
 void writeBmp(const Library &library, const std::filesystem::path &path, const Picture &picture);
 
+// How far two pictures of four bytes per pixel are apart in one of their channels: the mean square of the differences.
+double meanSquaredError(const Picture &a, const Picture &b, int channel);
+
+// In decibels, for 8-bit channels; infinite for 0.
+double peakSignalToNoise(double meanSquaredError);
+
 } // namespace host

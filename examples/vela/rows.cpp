@@ -6,7 +6,6 @@
 #include <chrono>
 #include <iostream>
 #include <thread>
-#include <vector>
 
 namespace host {
 namespace {
@@ -40,19 +39,29 @@ void Progress::show(const std::string &text)
         std::cerr << clearLine << text << std::flush;
 }
 
-double medianSeconds(int runs, const std::function<void(int run)> &announce, const std::function<void()> &work)
+double secondsOf(const std::function<void()> &work)
 {
     using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    work();
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+double medianOf(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double medianSeconds(int runs, const std::function<void(int run)> &announce, const std::function<void()> &work)
+{
     std::vector<double> seconds;
     for (int run = 0; run < runs; ++run) {
         announce(run);
-        const Clock::time_point start = Clock::now();
-        work();
-        seconds.push_back(std::chrono::duration<double>(Clock::now() - start).count());
+        seconds.push_back(secondsOf(work));
     }
-    const auto middle = seconds.begin() + static_cast<std::ptrdiff_t>(seconds.size() / 2);
-    std::nth_element(seconds.begin(), middle, seconds.end());
-    return *middle;
+    return medianOf(std::move(seconds));
 }
 
 } // namespace host

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -22,6 +23,11 @@ public:
 private:
     bool visible;
 };
+
+double secondsOf(const std::function<void()> &work);
+
+// Of at least one value.
+double medianOf(std::vector<double> values);
 
 // The median time of several runs of work, in seconds. announce(run) comes before each run and is not timed.
 double medianSeconds(int runs, const std::function<void(int run)> &announce, const std::function<void()> &work);

@@ -1,5 +1,7 @@
 #include "samples.hpp"
 
+#include "rows.hpp"
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -38,13 +40,7 @@ double decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
 double amplitude(double decibels) { return std::pow(10, decibels / 20); }
 
-double Step::megasamplesPerSecond() const
-{
-    std::vector<double> ordered = secondsPerSample;
-    const auto middle = ordered.begin() + static_cast<std::ptrdiff_t>(ordered.size() / 2);
-    std::nth_element(ordered.begin(), middle, ordered.end());
-    return 1e-6 / *middle;
-}
+double Step::megasamplesPerSecond() const { return 1e-6 / medianOf(secondsPerSample); }
 
 SampleKernels::SampleKernels(const Library &library, int channels, std::size_t framesOfBlock)
     : procs(LIBRARY_EXPORT(library, VCB_RegMemProc)), level(library.processorLevel()),

@@ -102,4 +102,15 @@ SlotInUse requireSlot(const char *familyId, std::span<const VcbSlotInfo> list, i
     return {familyId, &*info, tier};
 }
 
+Table tableOfSteps(const std::string &unitOfSpeed)
+{
+    return Table({{"step"}, {"kernel"}, {"slot"}, {"tier"}, {unitOfSpeed, Table::Align::right}});
+}
+
+void addStep(Table &table, const std::string &name, const SlotInUse &slot, const std::string &speed)
+{
+    table.addRow(
+        {name, slot.info->name, slot.family + ' ' + std::to_string(slot.info->number), slot.tier->name, speed});
+}
+
 } // namespace host

@@ -3,6 +3,7 @@
 
 #include "failure.hpp"
 #include "library.hpp"
+#include "table.hpp"
 
 #include <array>
 #include <string>
@@ -18,10 +19,8 @@ struct TierDescription {
 
 // Every tier, best last.
 inline constexpr std::array tiers = {
-    TierDescription{VCB_TIERS_PLAIN, VCB_CPU_SSE2, "plain"},
-    TierDescription{VCB_TIERS_SSE2, VCB_CPU_SSE2, "SSE2"},
-    TierDescription{VCB_TIERS_SSSE3, VCB_CPU_SSSE3, "SSSE3"},
-    TierDescription{VCB_TIERS_AVX, VCB_CPU_AVX, "AVX"},
+    TierDescription{VCB_TIERS_PLAIN, VCB_CPU_SSE2, "plain"},  TierDescription{VCB_TIERS_SSE2, VCB_CPU_SSE2, "SSE2"},
+    TierDescription{VCB_TIERS_SSSE3, VCB_CPU_SSSE3, "SSSE3"}, TierDescription{VCB_TIERS_AVX, VCB_CPU_AVX, "AVX"},
     TierDescription{VCB_TIERS_AVX2, VCB_CPU_AVX2, "AVX2"},
 };
 
@@ -69,5 +68,9 @@ template <class SubTable> SlotInUse requireSlot(const char *familyId, const SubT
     return requireSlot(familyId, vela::slotInfo<SubTable>(), number,
                        vela::slotPointer(table, static_cast<std::size_t>(number)), level);
 }
+
+// What a subcommand did: a row for every kernel, with a speed in this unit.
+Table tableOfSteps(const std::string &unitOfSpeed);
+void addStep(Table &table, const std::string &name, const SlotInUse &slot, const std::string &speed);
 
 } // namespace host

@@ -1,7 +1,6 @@
 #include "wav.hpp"
 
-#include "failure.hpp"
-#include "paths.hpp"
+#include "files.hpp"
 
 #include <algorithm>
 #include <string>
@@ -10,16 +9,6 @@ namespace host {
 namespace {
 
 constexpr std::int64_t largestWav = 0xFFFFFFFF - 4096; // its sizes have 32 bits, and there is a header
-
-Failure unreadable(const std::filesystem::path &path, const std::string &reason)
-{
-    return Failure("cannot read " + quoted(path) + ": " + reason);
-}
-
-Failure unwritable(const std::filesystem::path &path, const std::string &reason)
-{
-    return Failure("cannot write " + quoted(path) + ": " + reason);
-}
 
 // libsndfile's name of a container or of a kind of samples.
 std::string formatName(int format)
@@ -38,11 +27,7 @@ bool isWav(int format)
 
 SoundFile openForReading(const std::filesystem::path &path, SF_INFO &info)
 {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error))
-        throw unreadable(path, "no such file, or no permission");
-    if (!std::filesystem::is_regular_file(path, error))
-        throw unreadable(path, "not a file");
+    checkIsFile(path);
     SoundFile file(sf_open(path.c_str(), SFM_READ, &info));
     if (!file)
         throw unreadable(path, sf_error(nullptr) == SF_ERR_SYSTEM ? sf_strerror(nullptr) : "not a WAV file");
@@ -89,56 +74,34 @@ std::int64_t WavReader::read(std::byte *to, std::int64_t wantedFrames)
 
 WavWriter::WavWriter(std::filesystem::path path, const SampleFormat &format, int channels, int rate,
                      std::int64_t frames)
-    : name(std::move(path)), unfinishedName(name), frameBytes(format.bytes * static_cast<std::size_t>(channels))
+    : unfinished(std::move(path)), frameBytes(format.bytes * static_cast<std::size_t>(channels))
 {
-    unfinishedName += ".part";
-    std::error_code error;
-    if (std::filesystem::exists(name, error) && !std::filesystem::is_regular_file(name, error))
-        throw unwritable(name, "there is something else of that name");
-    if (std::filesystem::exists(unfinishedName, error))
-        throw unwritable(name, quoted(unfinishedName) + " is in the way; remove it if no other run is writing it");
     if (frames > largestWav / static_cast<std::int64_t>(frameBytes))
-        throw unwritable(name, "it would be longer than the 4 GiB of a WAV file");
+        throw unwritable(unfinished.path(), "it would be longer than the 4 GiB of a WAV file");
 
     SF_INFO info{};
     info.channels = channels;
     info.samplerate = rate;
     info.format = SF_FORMAT_WAV | format.subtype;
-    file.reset(sf_open(unfinishedName.c_str(), SFM_WRITE, &info));
+    file.reset(sf_open(unfinished.pathUntilFinished().c_str(), SFM_WRITE, &info));
     if (!file)
-        throw unwritable(name, sf_strerror(nullptr));
+        throw unwritable(unfinished.path(), sf_strerror(nullptr));
     sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr,
                SF_FALSE); // it would hold zeros: libsndfile sees no samples
-}
-
-WavWriter::~WavWriter()
-{
-    if (!file)
-        return;
-    file.reset();
-    std::error_code ignored;
-    std::filesystem::remove(unfinishedName, ignored);
 }
 
 void WavWriter::write(const std::byte *from, std::int64_t frames)
 {
     const std::int64_t bytes = frames * static_cast<std::int64_t>(frameBytes);
     if (sf_write_raw(file.get(), from, bytes) != bytes)
-        throw unwritable(name, "the file is incomplete; is the disk full?");
+        throw unwritable(unfinished.path(), "the file is incomplete; is the disk full?");
 }
 
 void WavWriter::finish()
 {
-    std::error_code error;
     if (sf_close(file.release()) != SF_ERR_NO_ERROR)
-        error = std::make_error_code(std::errc::io_error);
-    else
-        std::filesystem::rename(unfinishedName, name, error);
-    if (!error)
-        return;
-    std::error_code ignored;
-    std::filesystem::remove(unfinishedName, ignored);
-    throw unwritable(name, error.message());
+        throw unwritable(unfinished.path(), std::make_error_code(std::errc::io_error).message());
+    unfinished.finish();
 }
 
 } // namespace host

@@ -2,6 +2,8 @@
 // work of the library's kernels.
 #pragma once
 
+#include "files.hpp"
+
 #include <sndfile.h>
 
 #include <array>
@@ -64,15 +66,10 @@ private:
     std::int64_t position = 0;
 };
 
-// Writes under another name beside the file, which appears when all is done: whatever goes wrong, a file of that name
-// stays as it was.
 class WavWriter {
 public:
     // Throws Failure.
     WavWriter(std::filesystem::path file, const SampleFormat &format, int channels, int rate, std::int64_t frames);
-    ~WavWriter();
-    WavWriter(const WavWriter &) = delete;
-    WavWriter &operator=(const WavWriter &) = delete;
 
     // Writes samples of all channels in turn. Throws Failure.
     void write(const std::byte *from, std::int64_t frames);
@@ -81,10 +78,9 @@ public:
     void finish();
 
 private:
-    std::filesystem::path name;
-    std::filesystem::path unfinishedName;
+    UnfinishedFile unfinished;
     std::size_t frameBytes;
-    SoundFile file;
+    SoundFile file; // closed before the unfinished file goes
 };
 
 } // namespace host

@@ -28,6 +28,14 @@ inline std::string contentsOf(const std::filesystem::path &file)
     return text.str();
 }
 
+// Text as programs write it: lines end in CR LF on Windows.
+inline std::string textOf(const std::filesystem::path &file)
+{
+    std::string text = contentsOf(file);
+    std::erase(text, '\r');
+    return text;
+}
+
 inline bool contains(const std::string &text, const std::string &part) { return text.find(part) != std::string::npos; }
 
 // What the program says when something is wrong: one line.
@@ -47,7 +55,9 @@ protected:
     void SetUp() override
     {
         const auto *test = testing::UnitTest::GetInstance()->current_test_info();
-        directory = std::filesystem::absolute(std::string("cli-test-") + test->test_suite_name() + "-" + test->name());
+        std::string name = std::string("cli-test-") + test->test_suite_name() + "-" + test->name();
+        std::ranges::replace(name, '/', '-'); // of tests with a parameter
+        directory = std::filesystem::absolute(name);
         std::filesystem::remove_all(directory);
         std::filesystem::create_directories(directory);
         program = std::filesystem::absolute(VELA_PROGRAM).make_preferred();
@@ -68,7 +78,7 @@ protected:
         const int raw = std::system(command.c_str());
         const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
 #endif
-        return {status, contentsOf(output), contentsOf(errors)};
+        return {status, textOf(output), textOf(errors)};
     }
 
     // The file's name, quoted for the command line.
