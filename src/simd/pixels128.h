@@ -26,7 +26,7 @@ template <class Vector> inline Vector loadQuarter(const void *from)
 template <class Vector> inline void storeHalf(void *to, Vector x) { _mm_storel_epi64((__m128i *)to, bitsOf(x.v)); }
 template <class Vector> inline void storeUpperHalf(void *to, Vector x)
 {
-    _mm_storeh_pd((double *)to, _mm_castsi128_pd(bitsOf(x.v)));
+    _mm_storeh_pi((__m64 *)to, _mm_castsi128_ps(bitsOf(x.v)));
 }
 template <class Vector> inline void storeQuarter(void *to, Vector x)
 {

@@ -98,7 +98,7 @@ inline void storeApart(uint8_t *a, uint8_t *b, i16s x)
 {
     const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(x.v), _mm256_extracti128_si256(x.v, 1));
     _mm_storel_epi64((__m128i *)a, bytes);
-    _mm_storeh_pd((double *)b, _mm_castsi128_pd(bytes));
+    _mm_storeh_pi((__m64 *)b, _mm_castsi128_ps(bytes));
 }
 
 // Sums of evens and of odds as one row of words, limited.
