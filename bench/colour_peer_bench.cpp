@@ -124,6 +124,15 @@ std::vector<Contest> contests()
     constexpr Pitches p016 = {4, 4};
     constexpr Content noise = Content::noise;
     constexpr Content oneColour = Content::oneColour;
+    // The kernels interpolate chroma horizontally. libyuv does only in variants that interpolate vertically, too.
+    const auto i420ToBgra = [](const Procs &procs, Frame &t, Frame &f, int y) {
+        procs.CscI420ToBgra(t.row(0, y), t.row(0, y + 1), f.row(0, y), f.row(0, y + 1), f.row(1, y / 2),
+                            f.row(2, y / 2), width, &bt601ToRgb, opaque);
+    };
+    const auto p016ToBgra = [](const Procs &procs, Frame &t, Frame &f, int y) {
+        procs.CscP016ToBgra(t.row(0, y), t.row(0, y + 1), f.words(0, y), f.words(0, y + 1), f.words(1, y / 2), width,
+                            &bt601ToRgbFrom16, opaque);
+    };
     return {
         packed<&Procs::AppendAlpha24To32, libyuv::RGB24ToARGB>("AppendAlpha24To32", "RGB24ToARGB", noise, 0, in24, in32,
                                                                opaque),
@@ -156,16 +165,17 @@ std::vector<Contest> contests()
                 libyuv::ARGBToNV12(f.row(0, 0), f.pitch[0], t.row(0, 0), t.pitch[0], t.row(1, 0), t.pitch[1], width,
                                    lines);
             }),
-        halved(
-            "CscI420ToBgra", "I420ToARGB", i420, in32,
-            [](const Procs &procs, Frame &t, Frame &f, int y) {
-                procs.CscI420ToBgra(t.row(0, y), t.row(0, y + 1), f.row(0, y), f.row(0, y + 1), f.row(1, y / 2),
-                                    f.row(2, y / 2), width, &bt601ToRgb, opaque);
-            },
-            [](Frame &t, Frame &f, int lines) {
-                libyuv::I420ToARGB(f.row(0, 0), f.pitch[0], f.row(1, 0), f.pitch[1], f.row(2, 0), f.pitch[2],
-                                   t.row(0, 0), t.pitch[0], width, lines);
-            }),
+        halved("CscI420ToBgra", "I420ToARGB", i420, in32, i420ToBgra,
+               [](Frame &t, Frame &f, int lines) {
+                   libyuv::I420ToARGB(f.row(0, 0), f.pitch[0], f.row(1, 0), f.pitch[1], f.row(2, 0), f.pitch[2],
+                                      t.row(0, 0), t.pitch[0], width, lines);
+               }),
+        halved("CscI420ToBgra", "the same, bilinear", i420, in32, i420ToBgra,
+               [](Frame &t, Frame &f, int lines) {
+                   libyuv::I420ToARGBMatrixFilter(f.row(0, 0), f.pitch[0], f.row(1, 0), f.pitch[1], f.row(2, 0),
+                                                  f.pitch[2], t.row(0, 0), t.pitch[0], &libyuv::kYuvI601Constants,
+                                                  width, lines, libyuv::kFilterBilinear);
+               }),
         halved(
             "CscBgraToI420", "ARGBToI420", in32, i420,
             [](const Procs &procs, Frame &t, Frame &f, int y) {
@@ -176,16 +186,17 @@ std::vector<Contest> contests()
                 libyuv::ARGBToI420(f.row(0, 0), f.pitch[0], t.row(0, 0), t.pitch[0], t.row(1, 0), t.pitch[1],
                                    t.row(2, 0), t.pitch[2], width, lines);
             }),
-        halved(
-            "CscP016ToBgra", "P010ToARGBMatrix", p016, in32,
-            [](const Procs &procs, Frame &t, Frame &f, int y) {
-                procs.CscP016ToBgra(t.row(0, y), t.row(0, y + 1), f.words(0, y), f.words(0, y + 1), f.words(1, y / 2),
-                                    width, &bt601ToRgbFrom16, opaque);
-            },
-            [](Frame &t, Frame &f, int lines) {
-                libyuv::P010ToARGBMatrix(f.words(0, 0), f.pitch[0] / 2, f.words(1, 0), f.pitch[1] / 2, t.row(0, 0),
-                                         t.pitch[0], &libyuv::kYuvI601Constants, width, lines);
-            }),
+        halved("CscP016ToBgra", "P010ToARGBMatrix", p016, in32, p016ToBgra,
+               [](Frame &t, Frame &f, int lines) {
+                   libyuv::P010ToARGBMatrix(f.words(0, 0), f.pitch[0] / 2, f.words(1, 0), f.pitch[1] / 2, t.row(0, 0),
+                                            t.pitch[0], &libyuv::kYuvI601Constants, width, lines);
+               }),
+        halved("CscP016ToBgra", "the same, bilinear", p016, in32, p016ToBgra,
+               [](Frame &t, Frame &f, int lines) {
+                   libyuv::P010ToARGBMatrixFilter(f.words(0, 0), f.pitch[0] / 2, f.words(1, 0), f.pitch[1] / 2,
+                                                  t.row(0, 0), t.pitch[0], &libyuv::kYuvI601Constants, width, lines,
+                                                  libyuv::kFilterBilinear);
+               }),
         {"CscNv12ToI420", "NV12ToI420", noise, 0, 2, nv12, i420,
          [](const Procs &procs, Frame &t, Frame &f, int y) {
              procs.CscNv12ToI420(t.row(0, y), t.row(0, y + 1), t.row(1, y / 2), t.row(2, y / 2), f.row(0, y),
