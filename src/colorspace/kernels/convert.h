@@ -131,8 +131,7 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
                                     const Step &step, bool isEnd)
     {
         const Samples even = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 0);
-        const Samples next =
-            isEnd ? nextPairs(even) : SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 1);
+        const Samples next = isEnd ? nextPairs(even) : SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 1);
         const ChromaPairs<Samples> chroma = {even, average(even, next)};
         storePixels(target, step(SourceLayout::template loadLuma<Samples>(source), chroma));
         if constexpr (lines == 2) // the lower line has the same chroma

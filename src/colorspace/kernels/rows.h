@@ -7,7 +7,7 @@
 // destination may be. Blocks that read the next chroma sample repeat the last one at the end of a row: there a block of
 // another kind. Nothing outside the rows is touched.
 //
-// At a frame's speed the copies would cost more than a block: the loads that wait for them hold up those of the next row.
+// Copies at the end of every row would cost a frame more than a block: loads that wait for them hold up the next row's.
 #pragma once
 
 // Conversions are put together from parts that make sense only in registers.
