@@ -85,6 +85,10 @@ inline u16s pairOdds(u16s a, u16s b)
     return {_mm_or_si128(_mm_srli_epi32(a.v, 16), _mm_andnot_si128(_mm_set1_epi32(0xFFFF), b.v))};
 }
 
+// The pairs of lanes one place on, the last one twice.
+inline u16s nextPairs(u16s x) { return {_mm_shuffle_epi32(x.v, _MM_SHUFFLE(3, 3, 2, 1))}; }
+inline u8s nextPairs(u8s x) { return {_mm_insert_epi16(_mm_srli_si128(x.v, 2), _mm_extract_epi16(x.v, 7), 7)}; }
+
 // A quarter of a register of bytes each as words: in pairs a0 b0 a1 b1 ..., or a in the lower half and b in the upper.
 // Back from there with the bytes limited.
 inline u16s loadPairs(const uint8_t *a, const uint8_t *b)

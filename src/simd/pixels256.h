@@ -82,6 +82,17 @@ inline u8s pairOdds(u8s a, u8s b)
 inline u16s pairEvens(u16s a, u16s b) { return {_mm256_blend_epi16(a.v, _mm256_slli_epi32(b.v, 16), 0xAA)}; }
 inline u16s pairOdds(u16s a, u16s b) { return {_mm256_blend_epi16(_mm256_srli_epi32(a.v, 16), b.v, 0xAA)}; }
 
+// The pairs of lanes one place on, the last one twice.
+inline u16s nextPairs(u16s x)
+{
+    return {_mm256_permutevar8x32_epi32(x.v, _mm256_setr_epi32(1, 2, 3, 4, 5, 6, 7, 7))};
+}
+inline u8s nextPairs(u8s x)
+{
+    const __m256i last = _mm256_set1_epi16((short)_mm256_extract_epi16(x.v, 15));
+    return {_mm256_alignr_epi8(_mm256_permute2x128_si256(x.v, last, 0x21), x.v, 2)};
+}
+
 // A quarter of a register of bytes each as words: in pairs a0 b0 a1 b1 ..., or a in the lower half and b in the upper.
 // Back from there with the bytes limited.
 inline u16s loadPairs(const uint8_t *a, const uint8_t *b)

@@ -71,6 +71,12 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
 
     VELA_FUSED static void block(uint8_t *const *to, const uint8_t *const *from, const Step &step)
     {
+        blockAt<false>(to, from, step);
+    }
+    // At the end of a row the last pair is its own next.
+    template <bool isEnd>
+    VELA_FUSED static void blockAt(uint8_t *const *to, const uint8_t *const *from, const Step &step)
+    {
 #pragma GCC unroll 4
         for (int turn = 0; turn < Step::turns; ++turn) {
             const SourceLine source(from, 0, turn);
@@ -80,7 +86,8 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
             if constexpr (!SourceLayout::subsampled)
                 fromWholePixels(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step);
             else if constexpr (!TargetLayout::subsampled)
-                upsample(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step);
+                upsample(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step,
+                         isEnd && turn == Step::turns - 1);
             else
                 keepSubsampled(target.plane, lowerTarget.plane, source.plane, lowerSource.plane, step);
         }
@@ -121,10 +128,10 @@ template <class TargetLayout, class SourceLayout, class Step> struct Conversion 
     }
 
     VELA_FUSED static void upsample(Line target, Line lowerTarget, ConstLine source, ConstLine lowerSource,
-                                    const Step &step)
+                                    const Step &step, bool isEnd)
     {
         const Samples even = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 0);
-        const Samples next = SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 1);
+        const Samples next = isEnd ? nextPairs(even) : SourceLayout::template loadPairs<Samples, Chroma::uv>(source, 1);
         const ChromaPairs<Samples> chroma = {even, average(even, next)};
         storePixels(target, step(SourceLayout::template loadLuma<Samples>(source), chroma));
         if constexpr (lines == 2) // the lower line has the same chroma

@@ -3,9 +3,11 @@
 //
 // Blocks run from the left. The last one overlaps the one before, so that any width costs at most a block more than it
 // needs. It travels through a block on the stack where it cannot overlap: in a row that is shorter than a block, and
-// where an odd width would make it start in the middle of a chroma pair. So do, in the last block, sources of which a
-// block reads more than it covers (the next chroma sample, which is repeated at the end of a row) and, where the block
-// overlaps, a source that the destination may be. Nothing outside the rows is touched.
+// where an odd width would make it start in the middle of a chroma pair. So does, where it overlaps, a source that the
+// destination may be. Blocks that read the next chroma sample repeat the last one at the end of a row: there a block of
+// another kind. Nothing outside the rows is touched.
+//
+// Copies at the end of every row would cost a frame more than a block: loads that wait for them hold up the next row's.
 #pragma once
 
 // Conversions are put together from parts that make sense only in registers.
@@ -197,16 +199,25 @@ template <class Conversion, int... t> constexpr auto targetEnds(Indices<t...>)
 }
 template <class Conversion, int... s> constexpr auto sourceEnds(Indices<s...>)
 {
-    return layOut<sizeof...(s)>({{{Conversion::sourceShape(s), Conversion::readsNext(s) || Conversion::mayBeTarget(s),
-                                   Conversion::readsNext(s), 0}...},
+    return layOut<sizeof...(s)>({{{Conversion::sourceShape(s), Conversion::mayBeTarget(s), Conversion::readsNext(s), 0}...},
                                  0,
                                  false},
                                 Conversion::size);
 }
 
+// A block that reads nothing behind it.
+template <class Conversion> struct AtEnd : Conversion {
+    template <class Step>
+    VELA_FUSED static void block(uint8_t *const *to, const uint8_t *const *from, const Step &step)
+    {
+        Conversion::template blockAt<true>(to, from, step);
+    }
+};
+
 // Converts n pixels. A conversion has the Targets and Sources (RowsOf), the shapes of their rows (units of 0 bytes for
 // those that blocks do not touch), its block's `size` in pixels, `inPairs` if blocks must start at even pixels, says
-// which sources it reads one unit beyond the block and which may be the target, and does a block.
+// which sources it reads one unit beyond the block, unless that is at the end of a row (blockAt<true>), and which may be
+// the target, and does a block.
 template <class Conversion, class Step>
 inline void convertRows(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, const Step &step)
 {
@@ -228,6 +239,17 @@ inline void convertRows(uint8_t *const *to, const uint8_t *const *from, ptrdiff_
     alignas(16) uint8_t roomTo[planTo.room];
     const uint8_t *lastFrom[sources];
     uint8_t *lastTo[targets];
+    if constexpr (planFrom.next) {
+        if (whole) {
+            for (int i = 0; i < sources; ++i)
+                lastFrom[i] = from[i] + planFrom.row[i].shape.bytes(last);
+            for (int i = 0; i < targets; ++i)
+                lastTo[i] = to[i] + planTo.row[i].shape.bytes(last);
+            runBlocks<Conversion>(to, from, last, step);
+            runBlocks<AtEnd<Conversion>>(lastTo, lastFrom, size, step);
+            return;
+        }
+    }
     setAside(planFrom.row, sources, from, lastFrom, roomFrom, last, n - last, whole);
     for (int i = 0; i < targets; ++i)
         lastTo[i] = whole ? to[i] + planTo.row[i].shape.bytes(last) : roomTo + planTo.row[i].offset;
