@@ -17,7 +17,8 @@ template <class Vector> inline Vector loadHalf(const void *from)
 }
 template <class Vector> inline Vector loadHalves(const void *lower, const void *upper)
 {
-    return fromBits<Vector>(_mm_unpacklo_epi64(_mm_loadl_epi64((const __m128i *)lower), _mm_loadl_epi64((const __m128i *)upper)));
+    return fromBits<Vector>(
+        _mm_unpacklo_epi64(_mm_loadl_epi64((const __m128i *)lower), _mm_loadl_epi64((const __m128i *)upper)));
 }
 template <class Vector> inline Vector loadQuarter(const void *from)
 {

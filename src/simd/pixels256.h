@@ -83,10 +83,7 @@ inline u16s pairEvens(u16s a, u16s b) { return {_mm256_blend_epi16(a.v, _mm256_s
 inline u16s pairOdds(u16s a, u16s b) { return {_mm256_blend_epi16(_mm256_srli_epi32(a.v, 16), b.v, 0xAA)}; }
 
 // The pairs of lanes one place on, the last one twice.
-inline u16s nextPairs(u16s x)
-{
-    return {_mm256_permutevar8x32_epi32(x.v, _mm256_setr_epi32(1, 2, 3, 4, 5, 6, 7, 7))};
-}
+inline u16s nextPairs(u16s x) { return {_mm256_permutevar8x32_epi32(x.v, _mm256_setr_epi32(1, 2, 3, 4, 5, 6, 7, 7))}; }
 inline u8s nextPairs(u8s x)
 {
     const __m256i last = _mm256_set1_epi16((short)_mm256_extract_epi16(x.v, 15));
@@ -132,7 +129,8 @@ inline u8s narrowInterleaved(i16s a, i16s b)
 }
 
 // --- Fours ---------------------------------------------------------------------------------------------------
-// The work is that of pixels128.h in both halves of the registers; permutations ahead of it or behind it mend the order.
+// The work is that of pixels128.h in both halves of the registers; permutations ahead of it or behind it mend the
+// order.
 
 template <class Vector> struct Fours {
     Vector a;
@@ -191,7 +189,8 @@ inline Fours<u32s> interleaveFours(u8s a, u8s b, u8s c, u8s d)
 }
 inline Fours<u8s> splitFours(Fours<u32s> x)
 {
-    const __m256i order = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    const __m256i order =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
     const __m256i p = _mm256_shuffle_epi8(lowerHalves(x.a.v, x.c.v), order); // a of 0-3, 16-19, b, c, d
     const __m256i q = _mm256_shuffle_epi8(upperHalves(x.a.v, x.c.v), order); // a of 4-7, 20-23
     const __m256i r = _mm256_shuffle_epi8(lowerHalves(x.b.v, x.d.v), order);
@@ -293,9 +292,9 @@ inline void storeThrees4(uint8_t *to, Fours<u16s> x)
 // Byte i of every lane is byte `from i` of it.
 template <int first, int second, int third, int fourth> inline u32s orderBytes(u32s x)
 {
-    const __m128i order = _mm_setr_epi8(first, second, third, fourth, first + 4, second + 4, third + 4, fourth + 4,
-                                        first + 8, second + 8, third + 8, fourth + 8, first + 12, second + 12,
-                                        third + 12, fourth + 12);
+    const __m128i order =
+        _mm_setr_epi8(first, second, third, fourth, first + 4, second + 4, third + 4, fourth + 4, first + 8, second + 8,
+                      third + 8, fourth + 8, first + 12, second + 12, third + 12, fourth + 12);
     return {_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order))};
 }
 
@@ -320,7 +319,8 @@ inline u8s narrowToBytes(i32s a, i32s b, i32s c, i32s d)
 // Byte n of every lane in both its words.
 template <int n> inline u16s spreadByte(u32s x)
 {
-    const __m128i order = _mm_setr_epi8(n, -1, n, -1, n + 4, -1, n + 4, -1, n + 8, -1, n + 8, -1, n + 12, -1, n + 12, -1);
+    const __m128i order =
+        _mm_setr_epi8(n, -1, n, -1, n + 4, -1, n + 4, -1, n + 8, -1, n + 8, -1, n + 12, -1, n + 12, -1);
     return {_mm256_shuffle_epi8(x.v, _mm256_broadcastsi128_si256(order))};
 }
 

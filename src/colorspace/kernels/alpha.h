@@ -69,8 +69,10 @@ private:
 };
 
 template <class Target, class Source>
-using PremultiplyBy = Choose<Source::depths[0] == 8, PremultiplyBytes<Target, Source>, PremultiplyPlanes<Target, Source>>;
-template <class Target, class Source> struct Premultiply : PremultiplyBy<Target, Source> {};
+using PremultiplyBy =
+    Choose<Source::depths[0] == 8, PremultiplyBytes<Target, Source>, PremultiplyPlanes<Target, Source>>;
+template <class Target, class Source> struct Premultiply : PremultiplyBy<Target, Source> {
+};
 
 // Division of colours by one alpha. With half a code added to the dividend, (largest * c + a / 2) / a is at least
 // 0.5 / a from any whole number, so that one reciprocal serves all colours.
@@ -130,16 +132,19 @@ template <class Target, class Source> struct UnpremultiplyPlanes : OnPixels<Sour
     }
 };
 
-// Bytes, pixel by pixel where they are, as c * (255 / a) + (a / 2 + 0.5) / a. The reciprocal is an estimate and one step
-// of Newton's; with all roundings the sum misses by less than 0.05 / a. What is too large is limited on the way to bytes.
-// An alpha of 0 makes a NaN, which becomes the least integer, which is limited to 0.
+// Bytes, pixel by pixel where they are, as c * (255 / a) + (a / 2 + 0.5) / a. The reciprocal is an estimate and one
+// step of Newton's; with all roundings the sum misses by less than 0.05 / a. What is too large is limited on the way to
+// bytes. An alpha of 0 makes a NaN, which becomes the least integer, which is limited to 0.
 template <class Target, class Source> struct UnpremultiplyBytes {
     using Samples = u8s;
     static constexpr int turns = 1;
     using Arguments = List<>;
 
     VELA_FUSED static PixelWords load(ConstLine line) { return Source::loadWords(line[0]); }
-    VELA_FUSED PixelWords operator()(PixelWords x) const { return {divided(x.a), divided(x.b), divided(x.c), divided(x.d)}; }
+    VELA_FUSED PixelWords operator()(PixelWords x) const
+    {
+        return {divided(x.a), divided(x.b), divided(x.c), divided(x.d)};
+    }
 
 private:
     static constexpr int alphaAt = Source::at[3];
@@ -168,7 +173,8 @@ private:
 template <class Target, class Source>
 using UnpremultiplyBy =
     Choose<Source::depths[0] == 8, UnpremultiplyBytes<Target, Source>, UnpremultiplyPlanes<Target, Source>>;
-template <class Target, class Source> struct Unpremultiply : UnpremultiplyBy<Target, Source> {};
+template <class Target, class Source> struct Unpremultiply : UnpremultiplyBy<Target, Source> {
+};
 
 // --- Another alpha -------------------------------------------------------------------------------------------
 

@@ -83,8 +83,8 @@ private:
     }
 };
 
-// A stream of 10-bit components, three to a big-endian word from its top, `spare` bits below the last: four a pixel, red
-// first or, reversed, alpha. What a row's last word has left is 0.
+// A stream of 10-bit components, three to a big-endian word from its top, `spare` bits below the last: four a pixel,
+// red first or, reversed, alpha. What a row's last word has left is 0.
 template <int spare, bool reversed> struct Dpx4 {
     using Unpacked = Choose<reversed, WordPixels<4, 3, 2, 1, 0, 10>, WordPixels<4, 0, 1, 2, 3, 10>>;
     using Elements = List<uint32_t>;

@@ -67,10 +67,7 @@ template <int bits> VELA_FUSED inline u16s limited(i16s x)
     return as<u16s>(x);
 }
 
-VELA_FUSED inline Floats toFloats(u16s x)
-{
-    return {toFloat(as<i32s>(widenLow(x))), toFloat(as<i32s>(widenHigh(x)))};
-}
+VELA_FUSED inline Floats toFloats(u16s x) { return {toFloat(as<i32s>(widenLow(x))), toFloat(as<i32s>(widenHigh(x)))}; }
 
 // The code of a float: rounded, ties down by way of the bias; NaN gives 0.
 template <int bits> VELA_FUSED inline i32s toCode(f32s x)

@@ -59,7 +59,8 @@ template <class Target, class Source> struct RgbToHsl {
         const Floats over = toFloats(numerator);
         const Floats from = toFloats(offset);
         const Floats span = toFloats(smaller(t, splatI16(510) - t));
-        const u16s h = as<u16s>(narrow(hue(over.low, difference.low, from.low), hue(over.high, difference.high, from.high)));
+        const u16s h =
+            as<u16s>(narrow(hue(over.low, difference.low, from.low), hue(over.high, difference.high, from.high)));
         const u16s s = toCodes<8>({saturation(difference.low, span.low), saturation(difference.high, span.high)});
         const u16s l = shiftRight<1>(as<u16s>(t) + splat16(1));
         return pixels(without(h, isGrey), without(s, isGrey), l, l);
@@ -127,10 +128,7 @@ template <class Target, class Source> struct HslToRgb {
         const f32s one = splatF32(1);
         return (one - magnitude((l + l) - one)) * s;
     }
-    VELA_FUSED static f32s colour(f32s l, f32s c, f32s w)
-    {
-        return ((l - splatF32(0.5f) * c) + c * w) * splatF32(255);
-    }
+    VELA_FUSED static f32s colour(f32s l, f32s c, f32s w) { return ((l - splatF32(0.5f) * c) + c * w) * splatF32(255); }
     VELA_FUSED Pixels<u16s> operator()(Pixels<u16s> x) const
     {
         const Weights w(x.c[0]);

@@ -52,12 +52,12 @@ template <class Target, class Source, class Step, class Width> struct KernelOf {
 
 // The kernel that reads Source, takes the step and writes Target.
 template <class Target, class Source, template <class, class> class Step, class Width = int32_t>
-constexpr auto kernel =
-    &KernelOf<Target, Source, Step<Unpacked<Target>, Unpacked<Source>>, Width>::Type::convert;
+constexpr auto kernel = &KernelOf<Target, Source, Step<Unpacked<Target>, Unpacked<Source>>, Width>::Type::convert;
 
 // Layouts whose samples have one order on both sides, as planes of `samples` a pixel. Width in pixels, or whole pairs.
 enum class WidthIn { pixels, pairs };
-template <int samples, WidthIn unit, class Target, class Source, template <class, class> class Step, class To, class From>
+template <int samples, WidthIn unit, class Target, class Source, template <class, class> class Step, class To,
+          class From>
 void convertSamples(To *to, const From *from, int32_t width)
 {
     using Typed = void (*)(To *, const From *, int64_t);

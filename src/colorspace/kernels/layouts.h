@@ -2,9 +2,9 @@
 // conversions.h.
 //
 // A layout of whole pixels (no chroma shared between pixels of a line) loads and stores Pixels: each component in a
-// register, or two for floats, in memory order. A subsampled layout loads and stores luma in a register and the chroma of
-// every second pixel as pairs U V in another. In both, a block is as many pixels as a register has words, or bytes where
-// both sides are bytes and nothing is computed.
+// register, or two for floats, in memory order. A subsampled layout loads and stores luma in a register and the chroma
+// of every second pixel as pairs U V in another. In both, a block is as many pixels as a register has words, or bytes
+// where both sides are bytes and nothing is computed.
 #pragma once
 
 #include "colorspace/kernels/depths.h"
@@ -100,7 +100,8 @@ template <class Vector> struct MemoryOf {
     }
 };
 
-template <class Element> struct Memory : MemoryOf<u16s> {};
+template <class Element> struct Memory : MemoryOf<u16s> {
+};
 
 // Bytes, in registers of words too: half as many.
 template <> struct Memory<uint8_t> {
@@ -155,8 +156,8 @@ template <> struct Memory<float> {
 
 // --- Whole pixels --------------------------------------------------------------------------------------------
 
-// What the layouts of whole pixels have in common. A component's depth is depths[i], alpha's is depths[3], 0 if there is
-// none.
+// What the layouts of whole pixels have in common. A component's depth is depths[i], alpha's is depths[3], 0 if there
+// is none.
 struct WholePixels {
     static constexpr bool subsampled = false;
     static constexpr bool pairsOnly = false; // rows hold whole pixel pairs
@@ -218,7 +219,8 @@ template <int bytes, int at0, int at1, int at2, int alphaAt> struct BytePixels :
         if constexpr (Samples::lanes == u8s::lanes)
             store(line, interleaveFours(byte[0], byte[1], byte[2], byte[3]));
         else
-            storeWords(line[0], interleaveFours(as<i16s>(byte[0]), as<i16s>(byte[1]), as<i16s>(byte[2]), as<i16s>(byte[3])));
+            storeWords(line[0],
+                       interleaveFours(as<i16s>(byte[0]), as<i16s>(byte[1]), as<i16s>(byte[2]), as<i16s>(byte[3])));
     }
     VELA_FUSED static void storeWords(uint8_t *row, Pair<u32s> words)
     {
@@ -716,8 +718,7 @@ struct PackedYuv : SubsampledYuv<Element, bits> {
     }
     template <class Samples, Chroma wanted> VELA_FUSED static Samples loadPairs(ConstLine line, int ahead)
     {
-        return inOrder<wanted, chroma>(
-            loadEvery2<Samples, 1 - lumaAt>(line[0] + ahead * 4 * (int)sizeof(Element)));
+        return inOrder<wanted, chroma>(loadEvery2<Samples, 1 - lumaAt>(line[0] + ahead * 4 * (int)sizeof(Element)));
     }
     template <Chroma given, class Samples> VELA_FUSED static void store(Line line, Samples y, Samples pairs)
     {

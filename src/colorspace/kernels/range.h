@@ -46,13 +46,20 @@ template <class Source, const RangeRule &luma_, const RangeRule &chroma_> struct
     VELA_FUSED static Pixels<u16s> load(ConstLine line) { return Source::template load<u16s>(line); }
     VELA_FUSED u16s luma(u16s y) const { return changeRange<depth>(y, luma_); }
     VELA_FUSED u16s chroma(u16s pairs) const { return changeRange<depth>(pairs, chroma_); }
-    VELA_FUSED Pixels<u16s> operator()(Pixels<u16s> x) const { return {{luma(x.c[0]), luma(x.c[1]), luma(x.c[2])}, x.a}; }
+    VELA_FUSED Pixels<u16s> operator()(Pixels<u16s> x) const
+    {
+        return {{luma(x.c[0]), luma(x.c[1]), luma(x.c[2])}, x.a};
+    }
 };
 
-template <class Target, class Source> struct ToFullRange : ChangeRange<Source, lumaToFull, chromaToFull> {};
-template <class Target, class Source> struct ToLimitedRange : ChangeRange<Source, lumaToLimited, chromaToLimited> {};
-template <class Target, class Source> struct ChromaToFullRange : ChangeRange<Source, chromaToFull, chromaToFull> {};
+template <class Target, class Source> struct ToFullRange : ChangeRange<Source, lumaToFull, chromaToFull> {
+};
+template <class Target, class Source> struct ToLimitedRange : ChangeRange<Source, lumaToLimited, chromaToLimited> {
+};
+template <class Target, class Source> struct ChromaToFullRange : ChangeRange<Source, chromaToFull, chromaToFull> {
+};
 template <class Target, class Source>
-struct ChromaToLimitedRange : ChangeRange<Source, chromaToLimited, chromaToLimited> {};
+struct ChromaToLimitedRange : ChangeRange<Source, chromaToLimited, chromaToLimited> {
+};
 
 } // namespace

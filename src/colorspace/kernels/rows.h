@@ -17,7 +17,8 @@ namespace {
 
 // --- Lists of types and of numbers ---------------------------------------------------------------------------
 
-template <class... Types> struct List {};
+template <class... Types> struct List {
+};
 
 template <class... Lists> struct JoinLists;
 template <class... Types> struct JoinLists<List<Types...>> {
@@ -36,8 +37,10 @@ template <class Yes, class No> struct ChooseType<false, Yes, No> {
 };
 template <bool which, class Yes, class No> using Choose = typename ChooseType<which, Yes, No>::Type;
 
-template <int... i> struct Indices {};
-template <int n, int... i> struct CountTo : CountTo<n - 1, n - 1, i...> {};
+template <int... i> struct Indices {
+};
+template <int n, int... i> struct CountTo : CountTo<n - 1, n - 1, i...> {
+};
 template <int... i> struct CountTo<0, i...> {
     using Type = Indices<i...>;
 };
@@ -165,8 +168,8 @@ template <int n> constexpr EndPlans<n> layOut(EndPlans<n> plans, int size)
     }
 }
 
-[[gnu::noinline]] void giveBack(const EndPlan *plans, int rows, uint8_t *const *to, const uint8_t *room, ptrdiff_t first,
-                                ptrdiff_t count)
+[[gnu::noinline]] void giveBack(const EndPlan *plans, int rows, uint8_t *const *to, const uint8_t *room,
+                                ptrdiff_t first, ptrdiff_t count)
 {
     for (int i = 0; i < rows; ++i)
         copyFew(to[i] + plans[i].shape.bytes(first), room + plans[i].offset, plans[i].shape.bytes(count));
@@ -199,16 +202,14 @@ template <class Conversion, int... t> constexpr auto targetEnds(Indices<t...>)
 }
 template <class Conversion, int... s> constexpr auto sourceEnds(Indices<s...>)
 {
-    return layOut<sizeof...(s)>({{{Conversion::sourceShape(s), Conversion::mayBeTarget(s), Conversion::readsNext(s), 0}...},
-                                 0,
-                                 false},
-                                Conversion::size);
+    return layOut<sizeof...(s)>(
+        {{{Conversion::sourceShape(s), Conversion::mayBeTarget(s), Conversion::readsNext(s), 0}...}, 0, false},
+        Conversion::size);
 }
 
 // A block that reads nothing behind it.
 template <class Conversion> struct AtEnd : Conversion {
-    template <class Step>
-    VELA_FUSED static void block(uint8_t *const *to, const uint8_t *const *from, const Step &step)
+    template <class Step> VELA_FUSED static void block(uint8_t *const *to, const uint8_t *const *from, const Step &step)
     {
         Conversion::template blockAt<true>(to, from, step);
     }
@@ -216,8 +217,8 @@ template <class Conversion> struct AtEnd : Conversion {
 
 // Converts n pixels. A conversion has the Targets and Sources (RowsOf), the shapes of their rows (units of 0 bytes for
 // those that blocks do not touch), its block's `size` in pixels, `inPairs` if blocks must start at even pixels, says
-// which sources it reads one unit beyond the block, unless that is at the end of a row (blockAt<true>), and which may be
-// the target, and does a block.
+// which sources it reads one unit beyond the block, unless that is at the end of a row (blockAt<true>), and which may
+// be the target, and does a block.
 template <class Conversion, class Step>
 inline void convertRows(uint8_t *const *to, const uint8_t *const *from, ptrdiff_t n, const Step &step)
 {

@@ -1,8 +1,8 @@
 // The steps between a reader and a writer: depths, and matrices between YUV and RGB.
 //
-// A step takes whole pixels, or luma and the chroma pairs of a subsampled source, and makes whole pixels of them; or luma
-// and pairs for a subsampled target. A matrix takes its source in the form that costs it least (load), and of that the
-// even pixels, or the mean of those of two lines, for subsampled chroma.
+// A step takes whole pixels, or luma and the chroma pairs of a subsampled source, and makes whole pixels of them; or
+// luma and pairs for a subsampled target. A matrix takes its source in the form that costs it least (load), and of that
+// the even pixels, or the mean of those of two lines, for subsampled chroma.
 #pragma once
 
 #include "colorspace/kernels/layouts.h"
@@ -76,10 +76,10 @@ template <class Target, class Source> struct Video {
             return Target::order == Chroma::apart && Source::lumaInPlane;
         return false;
     }
-    static constexpr bool isPlanes = (Target::subsampled && Source::subsampled) || halvesPlanes() ||
-                                     (Target::oneComponent && Source::oneComponent);
-    using OfPlanes = Choose<Source::inBytes, Choose<passes, Double<u8s>, Choose<Source::packed, Double<u16s>, u8s>>,
-                            Double<u16s>>;
+    static constexpr bool isPlanes =
+        (Target::subsampled && Source::subsampled) || halvesPlanes() || (Target::oneComponent && Source::oneComponent);
+    using OfPlanes =
+        Choose<Source::inBytes, Choose<passes, Double<u8s>, Choose<Source::packed, Double<u16s>, u8s>>, Double<u16s>>;
     using Samples = Choose<isPlanes, OfPlanes, Choose<Target::inBytes && Source::inBytes, u8s, u16s>>;
     static constexpr int turns = isPlanes && isDouble<Samples> ? 1 : 2;
     using Arguments = typename Alpha<Target, Source>::Arguments;
@@ -321,8 +321,7 @@ template <class Target, class Source> struct IntegerToRgb {
     ShiftCount shift;
     Alpha<Target, Source> alpha;
 
-    template <class... Values>
-    explicit IntegerToRgb(const CscYuvToRgb *coef, Values... values) : alpha(values...)
+    template <class... Values> explicit IntegerToRgb(const CscYuvToRgb *coef, Values... values) : alpha(values...)
     {
         const IntegerRows<CscYuvToRgb> rows(coef);
         for (int row = 0; row < 3; ++row) {
@@ -397,8 +396,7 @@ template <class Target, class Source> struct UniformToRgb {
         }
         return isUniform;
     }
-    template <class... Values>
-    explicit UniformToRgb(const CscYuvToRgb *coef, Values... values) : alpha(values...)
+    template <class... Values> explicit UniformToRgb(const CscYuvToRgb *coef, Values... values) : alpha(values...)
     {
         CscYuvToRgb block;
         memcpy(&block, coef, sizeof(block));
@@ -422,8 +420,8 @@ template <class Target, class Source> struct UniformToRgb {
         Pixels<u16s> rgb;
 #pragma GCC unroll 3
         for (int row = 0; row < 3; ++row)
-            rgb.c[row] = limited<to>(shiftRight<down>(highPairs(multiplyAddPairs(even, chroma[row]) + evenY,
-                                                                multiplyAddPairs(odd, chroma[row]) + oddY)));
+            rgb.c[row] = limited<to>(shiftRight<down>(
+                highPairs(multiplyAddPairs(even, chroma[row]) + evenY, multiplyAddPairs(odd, chroma[row]) + oddY)));
         rgb.a = alpha(carriedAlpha);
         return rgb;
     }
