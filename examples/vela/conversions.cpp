@@ -106,10 +106,24 @@ template <class Kernel> constexpr CallShape shapeOf(const Layout &from, const La
     return CallShape::planeRow;
 }
 
+// A layout by its exact name, in few steps: compilers count them.
+constexpr const Layout &layoutNamed(const char *name)
+{
+    for (const Layout &layout : layouts) {
+        const char *a = layout.name;
+        const char *b = name;
+        for (; *a != 0 && *a == *b; ++a)
+            ++b;
+        if (*a == *b)
+            return layout;
+    }
+    throw "no such layout";
+}
+
 template <class Kernel> constexpr Conversion conversion(const char *from, const char *to, int slot)
 {
-    const Layout &source = *findLayout(from);
-    const Layout &target = *findLayout(to);
+    const Layout &source = layoutNamed(from);
+    const Layout &target = layoutNamed(to);
     Conversion made{&source,
                     &target,
                     slot,
@@ -516,7 +530,7 @@ struct Cost {
     int lateBits = 0; // bits that could have been kept until the model changes, or from there on
     std::uint64_t bytes = 0;
 
-    auto operator<=>(const Cost &) const = default;
+    auto operator<=>(const Cost &) const = default; // NOLINT(modernize-use-nullptr): there is none, whatever it says
 
     Cost operator+(const Cost &other) const
     {

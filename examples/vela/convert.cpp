@@ -165,6 +165,7 @@ std::vector<Step> findSteps(const Layout &from, const Layout &to, const Library 
         throw UsageError(std::string("no conversions lead from ") + from.name + " to " + to.name);
     const vela::ColorSpaceProcs procs(LIBRARY_EXPORT(library, VCB_RegColorSpace));
     std::vector<Step> steps;
+    steps.reserve(way.size());
     for (const Conversion *conversion : way)
         steps.push_back(makeStep(*conversion, procs.colorSpace, library.processorLevel(), colours));
     return steps;
