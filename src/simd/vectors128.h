@@ -353,6 +353,7 @@ inline f32s smaller(f32s a, f32s b) { return {_mm_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm_min_pd(a.v, b.v)}; }
 
+inline f32s greater(f32s a, f32s b) { return {_mm_cmpgt_ps(a.v, b.v)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm_cmpge_ps(a.v, b.v)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm_cmpge_pd(a.v, b.v)}; }
 
@@ -397,6 +398,13 @@ inline i32s loadTop8(const uint8_t *from)
 inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
+}
+// The entries of a table; no index below 0.
+inline f32s lookUp(const float *table, i32s index)
+{
+    const uint64_t low = (uint64_t)_mm_cvtsi128_si64(index.v);
+    const uint64_t high = (uint64_t)_mm_cvtsi128_si64(_mm_unpackhi_epi64(index.v, index.v));
+    return {_mm_setr_ps(table[(uint32_t)low], table[low >> 32], table[(uint32_t)high], table[high >> 32])};
 }
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
