@@ -57,10 +57,15 @@ TEST_P(Curves, EveryEntryIsTheFormula)
         expectNear(tables.output[i], codeOf(GetParam(), lightAt(i)), "output", i);
 }
 
+// But for the joint of BT.709 with its constants as published: there light falls by 8e-7.
 TEST_P(Curves, NeverFall)
 {
+    const bool is709 = GetParam() == 1 || GetParam() == 14 || GetParam() == 6;
     for (const std::vector<float> *table : {&tables.input, &tables.output}) {
-        EXPECT_TRUE(std::is_sorted(table->begin(), table->end())) << (table == &tables.input ? "input" : "output");
+        for (std::size_t i = 1; i < table->size(); ++i) {
+            const bool joint = is709 && table == &tables.input && i == 332;
+            ASSERT_GE((*table)[i], (*table)[i - 1] - (joint ? 1e-6F : 0)) << i;
+        }
         EXPECT_LT(table->front(), table->back());
     }
 }
@@ -119,8 +124,9 @@ constexpr Point published[] = {
     {16, 0, 7.3e-7, 1e-8},             // c1^m2
     {228, 1, 0.5, 1e-9},               // ARIB STD-B67: the reference white of the square root,
     {18, 12, 1, 1e-6},                 // the peak
-    {100, 0, 90.0 / 1023, 0.06},       // S-Log2, in IRE before the codes of its paper: 3.0 %,
-    {100, 0.18, 0.3240, 1e-4},         // 32.3 %
+    {100, 0, 0.030001223, 1e-6},       // Sony's paper on S-Log2: black 3.0 %,
+    {100, 0.18, 0.323, 5e-4},          // grey 32.3 %,
+    {100, 0.90, 0.59, 3e-3},           // white 59 %
     {101, 0, 95.0 / 1023, 1e-9},       // Sony's summary of S-Log3: black,
     {101, 0.18, 420.0 / 1023, 1e-9},   // the grey,
     {101, 0.90, 598.0 / 1023, 5e-4},   // the white
@@ -162,9 +168,9 @@ TEST(PublishedPoints, AreOnTheCurves)
             continue;
         const double low = lightOf(point.curve, point.code - point.tolerance);
         const double high = lightOf(point.curve, point.code + point.tolerance);
-        EXPECT_LE(static_cast<double>(tables.input[code]), high * 1.000001 + 1e-9) << point.curve << " code " << point.code;
-        EXPECT_GE(static_cast<double>(tables.input[code + 1]), low * 0.999999 - 1e-9)
-            << point.curve << " code " << point.code;
+        const double rounding = 1e-6 * std::abs(high) + 1e-9;
+        EXPECT_LE(static_cast<double>(tables.input[code]), high + rounding) << point.curve << " code " << point.code;
+        EXPECT_GE(static_cast<double>(tables.input[code + 1]), low - rounding) << point.curve << " code " << point.code;
     }
 }
 
