@@ -142,14 +142,26 @@ inline void adjust(HdrPixels &p, const vela::HdrPlan &plan)
     p = {(p.a + lift) * ten, (p.b + lift) * ten, (p.c + lift) * ten, (p.d + lift) * ten};
 }
 
-inline f32s matrixRow(const float *row, const HdrPixels &p)
-{
-    return ((splatF32(row[0]) * p.a + splatF32(row[1]) * p.b) + splatF32(row[2]) * p.c) + splatF32(row[3]) * p.d;
-}
+// Every entry in all lanes.
+struct HdrMatrix {
+    f32s entries[16];
+
+    explicit HdrMatrix(const float *from)
+    {
+        for (int i = 0; i < 16; ++i)
+            entries[i] = splatF32(from[i]);
+    }
+    f32s row(int i, const HdrPixels &p) const
+    {
+        const f32s *of = entries + 4 * i;
+        return ((of[0] * p.a + of[1] * p.b) + of[2] * p.c) + of[3] * p.d;
+    }
+};
 
 // `plain`: nothing but tables and matrix.
 template <bool plain>
-inline void convertHdrBlock(const vela::HdrPlan &plan, const float *matrix, uint8_t *dst, const uint8_t *src)
+[[gnu::always_inline]] inline void convertHdrBlock(const vela::HdrPlan &plan, const HdrMatrix &matrix, uint8_t *dst,
+                                                   const uint8_t *src)
 {
     constexpr int size = sizeof(f32s);
     HdrPixels p = splitFours(Fours<f32s>{load<f32s>(src), load<f32s>(src + size), load<f32s>(src + 2 * size),
@@ -163,7 +175,7 @@ inline void convertHdrBlock(const vela::HdrPlan &plan, const float *matrix, uint
             renderHlg(p);
         mapTones(p, plan);
     }
-    p = {matrixRow(matrix, p), matrixRow(matrix + 4, p), matrixRow(matrix + 8, p), matrixRow(matrix + 12, p)};
+    p = {matrix.row(0, p), matrix.row(1, p), matrix.row(2, p), matrix.row(3, p)};
     if constexpr (!plain) {
         if (plan.adjusts)
             adjust(p, plan);
@@ -188,12 +200,10 @@ template <bool plain>
 void convertHdrRun(const vela::HdrPlan &plan, const float *src, float *dst, const float *matrix, ptrdiff_t count)
 {
     constexpr int pixelBytes = 4 * sizeof(float);
-    // Copies that nothing written can reach, so that they stay in registers or at hand.
-    const vela::HdrPlan own = plan;
-    float rows[16];
-    memcpy(rows, matrix, sizeof(rows));
+    const vela::HdrPlan own = plan; // which no store can reach
+    const HdrMatrix entries(matrix);
     forBlocksInPlace<f32s::lanes>(
-        count, [&](uint8_t *to, const uint8_t *from) { convertHdrBlock<plain>(own, rows, to, from); },
+        count, [&](uint8_t *to, const uint8_t *from) { convertHdrBlock<plain>(own, entries, to, from); },
         Out<pixelBytes>{dst}, In<pixelBytes>{src});
 }
 
