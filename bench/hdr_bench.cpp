@@ -50,7 +50,8 @@ struct Picture {
     std::vector<float> pixels;
 };
 
-// --- Contestants ------------------------------------------------------------------------------------------------------
+// --- Contestants
+// ------------------------------------------------------------------------------------------------------
 
 struct Contestant {
     std::string name;
@@ -153,7 +154,8 @@ void compare(const Zimg &zimg, const std::vector<float> &own)
     for (std::size_t i = 0; i < own.size() / 4; ++i)
         for (unsigned c = 0; c < 3; ++c) {
             const double theirs = limited(static_cast<double>(zimg.result(i, c)), 1.0);
-            largest = std::max(largest, std::abs(lightOf(13, static_cast<double>(own[4 * i + c])) - lightOf(13, theirs)));
+            largest =
+                std::max(largest, std::abs(lightOf(13, static_cast<double>(own[4 * i + c])) - lightOf(13, theirs)));
         }
     std::printf("Largest difference of light to zimg: %.4f\n", largest);
     if (largest > 0.02)
@@ -178,21 +180,21 @@ int run(char *program, const Options &options)
     std::vector<Contestant> contestants;
     for (const std::int32_t mode : {0, 1, 2, 3}) {
         const std::string name = "mode " + std::to_string(mode);
-        contestants.push_back({name + ", kernel", [&] {
-                                   procs().CscConvertHdrPixels(picture.pixels.data(), result.data(), toBt709, pixels);
-                               }, mode});
-        contestants.push_back({name + ", oracle", [&, setting = settingOf(mode)] {
-                                   for (std::size_t i = 0; i < picture.pixels.size(); i += 4)
-                                       encodePixel(&result[i],
-                                                   lightOfPixel<float>(&picture.pixels[i], toBt709, setting,
-                                                                       state().input),
-                                                   setting.dstCode, state().output);
-                               }, mode});
+        contestants.push_back(
+            {name + ", kernel",
+             [&] { procs().CscConvertHdrPixels(picture.pixels.data(), result.data(), toBt709, pixels); }, mode});
+        contestants.push_back(
+            {name + ", oracle",
+             [&, setting = settingOf(mode)] {
+                 for (std::size_t i = 0; i < picture.pixels.size(); i += 4)
+                     encodePixel(&result[i], lightOfPixel<float>(&picture.pixels[i], toBt709, setting, state().input),
+                                 setting.dstCode, state().output);
+             },
+             mode});
     }
 #if defined(VELA_HAS_ZIMG)
-    const std::pair<const char *, zimg_cpu_type_e> levels[] = {{"SSE2", ZIMG_CPU_X86_SSE2},
-                                                               {"AVX2", ZIMG_CPU_X86_AVX2},
-                                                               {"best", ZIMG_CPU_AUTO_64B}};
+    const std::pair<const char *, zimg_cpu_type_e> levels[] = {
+        {"SSE2", ZIMG_CPU_X86_SSE2}, {"AVX2", ZIMG_CPU_X86_AVX2}, {"best", ZIMG_CPU_AUTO_64B}};
     std::vector<std::unique_ptr<Zimg>> graphs;
     for (const auto &[name, cpu] : levels)
         for (const bool approximate : {false, true}) {

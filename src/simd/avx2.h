@@ -477,8 +477,6 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
 }
-// The entries of a table; no index below 0.
-inline f32s lookUp(const float *table, i32s index) { return {_mm256_i32gather_ps(table, index.v, 4)}; }
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storeu_ps(to, _mm256_cvtpd_ps(x.v)); }
 inline f32s toFloat(f64s low, f64s high)

@@ -9,19 +9,21 @@ using Logarithms = Pair<f64s>;
 
 inline Logarithms operator*(Logarithms x, f64s factor) { return {x.low * factor, x.high * factor}; }
 
+// a + b x + ... f x^5, in pairs: what is long is the wait for one result after another.
+template <class Vector> inline Vector sumOfPowers(Vector x, Vector a, Vector b, Vector c, Vector d, Vector e, Vector f)
+{
+    const Vector x2 = x * x;
+    return (a + b * x) + x2 * ((c + d * x) + x2 * (e + f * x));
+}
+
 // log2(1 + f) for |f| below 0.42: with z = f / (2 + f), 2 / ln 2 (z + z^3/3 + z^5/5 ...), here to z^11/11, which
 // leaves 5e-11 of it.
 inline f64s log2OfOnePlus(f64s f)
 {
     const double unit = 2.885390081777926815;
     const f64s z = f / (splatF64(2) + f);
-    const f64s z2 = z * z;
-    f64s sum = splatF64(unit / 11);
-    sum = sum * z2 + splatF64(unit / 9);
-    sum = sum * z2 + splatF64(unit / 7);
-    sum = sum * z2 + splatF64(unit / 5);
-    sum = sum * z2 + splatF64(unit / 3);
-    sum = sum * z2 + splatF64(unit);
+    const f64s sum = sumOfPowers(z * z, splatF64(unit), splatF64(unit / 3), splatF64(unit / 5), splatF64(unit / 7),
+                                 splatF64(unit / 9), splatF64(unit / 11));
     return sum * z;
 }
 inline Logarithms log2OfOnePlus(f32s f)
@@ -45,12 +47,8 @@ inline Logarithms log2Of(f32s x)
 // 2^r - 1 for |r| up to 0.5, within 3e-9 of 2^r: the polynomial of least relative error.
 inline f32s exp2LessOne(f32s r)
 {
-    f32s sum = splatF32(0.0001559467816f);
-    sum = sum * r + splatF32(0.00134066439f);
-    sum = sum * r + splatF32(0.009617692973f);
-    sum = sum * r + splatF32(0.05550310551f);
-    sum = sum * r + splatF32(0.2402265278f);
-    sum = sum * r + splatF32(0.693147215f);
+    const f32s sum = sumOfPowers(r, splatF32(0.693147215f), splatF32(0.2402265278f), splatF32(0.05550310551f),
+                                 splatF32(0.009617692973f), splatF32(0.00134066439f), splatF32(0.0001559467816f));
     return sum * r;
 }
 

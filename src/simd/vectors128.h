@@ -399,13 +399,6 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
 }
-// The entries of a table; no index below 0.
-inline f32s lookUp(const float *table, i32s index)
-{
-    const uint64_t low = (uint64_t)_mm_cvtsi128_si64(index.v);
-    const uint64_t high = (uint64_t)_mm_cvtsi128_si64(_mm_unpackhi_epi64(index.v, index.v));
-    return {_mm_setr_ps(table[(uint32_t)low], table[low >> 32], table[(uint32_t)high], table[high >> 32])};
-}
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }

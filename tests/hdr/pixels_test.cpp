@@ -42,16 +42,30 @@ void VCB_CALL convertWide(const float *src, float *dst, const float *matrix, std
 }
 
 // BT.2020 to BT.709, and what no host sends.
-constexpr float toBt709[16] = {1.6605F, -0.5876F, -0.0728F, 0, -0.1246F, 1.1329F, -0.0083F, 0,
-                               -0.0182F, -0.1006F, 1.1187F, 0, 0,        0,       0,        1};
-const float wild[16] = {1e30F, -1e30F, 0, 1e-40F, -3, 700, std::numeric_limits<float>::infinity(), 0, 0.5F,
-                        std::numeric_limits<float>::quiet_NaN(), 1, -0.0F, 1, 2, 3, -4};
+constexpr float toBt709[16] = {1.6605F,  -0.5876F, -0.0728F, 0, -0.1246F, 1.1329F, -0.0083F, 0,
+                               -0.0182F, -0.1006F, 1.1187F,  0, 0,        0,       0,        1};
+const float wild[16] = {1e30F,
+                        -1e30F,
+                        0,
+                        1e-40F,
+                        -3,
+                        700,
+                        std::numeric_limits<float>::infinity(),
+                        0,
+                        0.5F,
+                        std::numeric_limits<float>::quiet_NaN(),
+                        1,
+                        -0.0F,
+                        1,
+                        2,
+                        3,
+                        -4};
 
 KernelCase pixelCase()
 {
     Argument matrix = fixedSource(sizeof(identity));
-    KernelCase pixels = kernelCase<&VcbColorSpaceProcs::CscConvertHdrPixels>(
-        {source(16), destination(16), std::move(matrix), count()});
+    KernelCase pixels =
+        kernelCase<&VcbColorSpaceProcs::CscConvertHdrPixels>({source(16), destination(16), std::move(matrix), count()});
     return pixels.mayShare({{1, 0}});
 }
 
@@ -64,9 +78,9 @@ void check(const char *what, VcbKernel kernel, VcbKernel oracle)
     ASSERT_EQ(contradiction(pixels).value_or(""), "");
     const CheckResult result = checkKernel(pixels, kernel, oracle, plan);
     ASSERT_GT(result.runs, 0u);
-    EXPECT_FALSE(result.finding) << what << ", codes " << current.srcCode << " to " << current.dstCode
-                                 << ", tone map " << current.params.toneMapMode << ": "
-                                 << faultName(result.finding->fault) << "\n  " << result.finding->text;
+    EXPECT_FALSE(result.finding) << what << ", codes " << current.srcCode << " to " << current.dstCode << ", tone map "
+                                 << current.params.toneMapMode << ": " << faultName(result.finding->fault) << "\n  "
+                                 << result.finding->text;
 }
 
 template <class Kernel> VcbKernel anyKernel(Kernel *kernel) { return reinterpret_cast<VcbKernel>(kernel); }
@@ -181,21 +195,21 @@ TEST_F(HdrPixels, WithPowersAreWithinTheirError)
         Setting setting;
         double relative;
     } all[] = {
-        {settingOf(18, 4, 0), 5e-7},                   // rendering
-        {settingOf(4, 18, 0), 5e-7},                   // its inverse
-        {settingOf(18, 18, 0), 5e-7},                  //
-        {settingOf(16, 13, 3), 5e-7},                  // scene light
-        {settingOf(16, 13, 3, 0, 1000, 1000), 5e-7},   //
-        {settingOf(16, 13, 3, 0, 1000, 0), 5e-7},      // as 2 cd/m2
-        {settingOf(18, 1, 3, 1, 1000, 100), 2e-6},     //
-        {settingOf(228, 4, 0, 1), 5e-7},               // adjustment
-        {settingOf(16, 16, 2, 0, 1000, 300), 4e-6},    // roll-off
-        {settingOf(16, 4, 2, 0, 1000, 100), 4e-6},     //
-        {settingOf(120, 4, 2, 0, 4000, 203), 4e-6},    //
-        {settingOf(16, 16, 2, 0, 10000, 1), 4e-6},     // a knee below black
-        {settingOf(16, 16, 2, 0, 100, 1000), 5e-7},    // a target brighter than the source
-        {settingOf(16, 16, 2, 0, 400, 400), 5e-7},     //
-        {settingOf(16, 16, 2, 0, -5, 100), 5e-7},      // no source
+        {settingOf(18, 4, 0), 5e-7},                 // rendering
+        {settingOf(4, 18, 0), 5e-7},                 // its inverse
+        {settingOf(18, 18, 0), 5e-7},                //
+        {settingOf(16, 13, 3), 5e-7},                // scene light
+        {settingOf(16, 13, 3, 0, 1000, 1000), 5e-7}, //
+        {settingOf(16, 13, 3, 0, 1000, 0), 5e-7},    // as 2 cd/m2
+        {settingOf(18, 1, 3, 1, 1000, 100), 2e-6},   //
+        {settingOf(228, 4, 0, 1), 5e-7},             // adjustment
+        {settingOf(16, 16, 2, 0, 1000, 300), 4e-6},  // roll-off
+        {settingOf(16, 4, 2, 0, 1000, 100), 4e-6},   //
+        {settingOf(120, 4, 2, 0, 4000, 203), 4e-6},  //
+        {settingOf(16, 16, 2, 0, 10000, 1), 4e-6},   // a knee below black
+        {settingOf(16, 16, 2, 0, 100, 1000), 5e-7},  // a target brighter than the source
+        {settingOf(16, 16, 2, 0, 400, 400), 5e-7},   //
+        {settingOf(16, 16, 2, 0, -5, 100), 5e-7},    // no source
     };
     for (const auto &[setting, relative] : all) {
         SCOPED_TRACE(testing::Message() << "codes " << setting.srcCode << " to " << setting.dstCode << ", tone map "
@@ -222,8 +236,14 @@ TEST_F(HdrPixels, KneeHasItsPoints)
 {
     // In alpha light goes in and out as it is.
     prepare(settingOf(4, 4, 1));
-    const float points[][2] = {{0, 0.0005F},  {0.0005F, 0.0005F}, {3.3F, 0.85F}, {5.8F, 0.97F},
-                               {10, 1},       {20, 1},            {-1, 0.0005F}, {1, 0.25783F},
+    const float points[][2] = {{0, 0.0005F},
+                               {0.0005F, 0.0005F},
+                               {3.3F, 0.85F},
+                               {5.8F, 0.97F},
+                               {10, 1},
+                               {20, 1},
+                               {-1, 0.0005F},
+                               {1, 0.25783F},
                                {std::numeric_limits<float>::quiet_NaN(), 0.0005F}};
     for (const auto &[from, to] : points) {
         float pixel[4] = {0, 0, 0, from};
@@ -295,14 +315,14 @@ TEST_F(HdrPixels, AnythingEndsUpWithin0And1)
     const Parameter floats = parameterOf<float *>();
     for (const std::int32_t mode : {0, 1, 2, 3}) {
         for (const std::int32_t code : {4, 16, 18, 100, 110, 210}) {
-            for (const float (*matrix)[16] : {&identity, &toBt709, &wild}) {
+            for (const float(*matrix)[16] : {&identity, &toBt709, &wild}) {
                 Setting setting = settingOf(code, code, mode, 1, mode == 2 ? std::numeric_limits<float>::infinity() : 1,
                                             std::numeric_limits<float>::quiet_NaN());
                 setting.params.adjustGain = 1e20F;
                 prepare(setting);
                 for (const Fill fill : fills) {
-                    fillRow(reinterpret_cast<std::uint8_t *>(pixels.data()), pixels.size() * sizeof(float), floats, fill,
-                            random);
+                    fillRow(reinterpret_cast<std::uint8_t *>(pixels.data()), pixels.size() * sizeof(float), floats,
+                            fill, random);
                     procs().CscConvertHdrPixels(pixels.data(), pixels.data(), *matrix, 512);
                     for (const float x : pixels)
                         ASSERT_TRUE(x >= 0 && x <= 1) << x << " by code " << code << ", tone map " << mode;

@@ -39,7 +39,8 @@ std::vector<float> floatsBetween(float first, float last, std::uint32_t number)
     const auto high = std::bit_cast<std::uint32_t>(last);
     std::vector<float> floats;
     for (std::uint32_t i = 0; i <= number; ++i)
-        floats.push_back(std::bit_cast<float>(low + static_cast<std::uint32_t>(std::uint64_t{high - low} * i / number)));
+        floats.push_back(
+            std::bit_cast<float>(low + static_cast<std::uint32_t>(std::uint64_t{high - low} * i / number)));
     return floats;
 }
 
@@ -105,7 +106,7 @@ TEST(Power, HasDefinedEnds)
     powers(squared, x, 2, std::size(x));
     powers(inverse, x, -2, std::size(x));
     powers(tenth, x, 0.5, std::size(x));
-    for (std::size_t i = 0; i < 7; ++i) { // as the least normal number
+    for (std::size_t i = 0; i < 7; ++i) {  // as the least normal number
         EXPECT_EQ(squared[i], least) << i; // nothing below it comes out
         EXPECT_EQ(inverse[i], infinity) << i;
         EXPECT_EQ(tenth[i], 0x1p-63F) << i;

@@ -10,7 +10,8 @@ namespace {
 
 void powers(float *dst, const float *x, double exponent, int32_t count)
 {
-    map<f32s>(dst, count, [=](f32s v) { return power(v, splatF64(exponent)); }, x);
+    map<f32s>(
+        dst, count, [=](f32s v) { return power(v, splatF64(exponent)); }, x);
 }
 
 } // namespace

@@ -27,13 +27,16 @@ template <std::size_t index> void VCB_CALL buildInput()
         table[i] = static_cast<float>(curve.lightOf(static_cast<double>(i) / (entries - 1)));
 }
 
+// Code values leave the conversion between 0 and 1, whatever light they encode.
+float limited(double codeValue) { return static_cast<float>(std::clamp(codeValue, 0.0, 1.0)); }
+
 template <std::size_t index> void VCB_CALL buildOutput()
 {
     const Curve &curve = curves[index];
     const int entries = stepsPerLight * curve.scale;
     float *const table = state().output;
     for (int i = 0; i < entries; ++i)
-        table[i] = static_cast<float>(curve.codeValueOf(static_cast<double>(i) / stepsPerLight));
+        table[i] = limited(curve.codeValueOf(static_cast<double>(i) / stepsPerLight));
 }
 
 struct Builders {
@@ -41,8 +44,7 @@ struct Builders {
     Builder *output;
 };
 
-template <std::size_t... index>
-constexpr std::array<Builders, curveCount> buildersOf(std::index_sequence<index...>)
+template <std::size_t... index> constexpr std::array<Builders, curveCount> buildersOf(std::index_sequence<index...>)
 {
     return {{{buildInput<index>, buildOutput<index>}...}};
 }
@@ -138,7 +140,7 @@ State::State() noexcept
     for (int i = 0; i < 256 * srcScale; ++i)
         input[i] = static_cast<float>(i) / 4095.0F;
     for (int i = 0; i < stepsPerLight * dstScale; ++i)
-        output[i] = static_cast<float>(i) / static_cast<float>(stepsPerLight);
+        output[i] = limited(static_cast<double>(i) / stepsPerLight);
     makePlan(*this);
 }
 

@@ -18,10 +18,7 @@ struct Camera {
     double gain;
 
     double lightOf(double c) const { return c < lineEnd ? c / 4.5 : std::pow((c + (gain - 1)) / gain, 1 / 0.45); }
-    double codeValueOf(double x) const
-    {
-        return x < lineEndsAt ? 4.5 * x : gain * std::pow(x, 0.45) - (gain - 1);
-    }
+    double codeValueOf(double x) const { return x < lineEndsAt ? 4.5 * x : gain * std::pow(x, 0.45) - (gain - 1); }
 };
 constexpr Camera bt709 = {0.018, 0.081, 1.099};
 constexpr Camera bt2020 = {0.0181, 0.0814, 1.0993};
@@ -59,10 +56,7 @@ double canonLog3Light(double c)
         return canonLog3Below.mirroredLightOf(c);
     return (c - 0.12512219) / 1.9754798;
 }
-double canonLog3CodeValue(double x)
-{
-    return x > 0.014 ? canonLog3Above.codeValueOf(x) : 1.9754798 * x + 0.12512219;
-}
+double canonLog3CodeValue(double x) { return x > 0.014 ? canonLog3Above.codeValueOf(x) : 1.9754798 * x + 0.12512219; }
 
 // Code 210: light from 0 upward is a logarithm, 0.381991 for the middle grey 0.18 / 0.9. The line below it and the
 // steeper mirrored logarithm below that are for light that encoding never meets.

@@ -9,7 +9,7 @@ namespace vela {
 // Light is in units of 100 cd/m2.
 struct HdrPlan {
     const float *input;  // light by code value
-    const float *output; // code value by light
+    const float *output; // code value by light, 0..1
     float inputTop;      // the last index
     float outputTop;
     int32_t toneMapMode;

@@ -1,5 +1,5 @@
-// The oracle of the HDR conversion: curves, and a pixel's way through slot 401, straight from docs/hdr.md and the slot's
-// row.
+// The oracle of the HDR conversion: curves, and a pixel's way through slot 401, straight from docs/hdr.md and the
+// slot's row.
 #pragma once
 
 #include <vela/hdr.h>
@@ -282,8 +282,8 @@ Pixel<Real> lightOfPixel(const float *src, const float *matrix, const Setting &s
     if (params.adjustMode == 1) {
         for (Real &x : q)
             x = x * Real(params.adjustGain) / Real(10);
-        const Real y = (Real(params.lumaWeightR) * q[0] + Real(params.lumaWeightG) * q[1]) +
-                       Real(params.lumaWeightB) * q[2];
+        const Real y =
+            (Real(params.lumaWeightR) * q[0] + Real(params.lumaWeightG) * q[1]) + Real(params.lumaWeightB) * q[2];
         const Real lift = y > 0 ? std::pow(y, 1 / Real(params.adjustDivisor)) - y : 0;
         for (Real &x : q)
             x = (x + lift) * Real(10);
