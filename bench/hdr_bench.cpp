@@ -10,10 +10,12 @@
 #include <zimg.h>
 #endif
 
+#include <cmath>
 #include <cstdio>
 #include <functional>
 #include <memory>
 #include <new>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -32,17 +34,19 @@ struct Options {
 constexpr float toBt709[16] = {1.660491F,  -0.587641F, -0.072850F, 0, -0.124550F, 1.132900F, -0.008349F, 0,
                                -0.018151F, -0.100579F, 1.118730F,  0, 0,          0,         0,          1};
 
-// A picture of floats R G B A whose light is mostly low, as in photographs, and the same in planes.
+// A picture of floats R G B A, codes of PQ: smooth with some grain, up to 1000 cd/m2 and mostly far less.
 struct Picture {
     explicit Picture(const Options &options)
         : width(options.width), height(options.height), pixels(std::size_t{4} * width * height)
     {
-        std::uint32_t state = 1;
-        for (std::size_t i = 0; i < pixels.size(); ++i) {
-            state = state * 1664525 + 1013904223;
-            const float x = static_cast<float>(state >> 8) / (1 << 24);
-            pixels[i] = 0.1F + 0.65F * x * (0.5F + 0.5F * x); // of PQ
-        }
+        std::mt19937 random(1);
+        std::uniform_real_distribution<float> grain(-0.01F, 0.01F);
+        for (unsigned y = 0; y < height; ++y)
+            for (unsigned x = 0; x < width; ++x)
+                for (unsigned c = 0; c < 4; ++c) {
+                    const double u = 0.5 + 0.5 * std::sin(0.011 * x + 0.9 * c) * std::cos(0.007 * y + 0.0031 * x);
+                    pixels[4 * (std::size_t{y} * width + x) + c] = static_cast<float>(0.15 + 0.6 * u * u) + grain(random);
+                }
     }
 
     const unsigned width;
@@ -50,8 +54,7 @@ struct Picture {
     std::vector<float> pixels;
 };
 
-// --- Contestants
-// ------------------------------------------------------------------------------------------------------
+// --- Contestants --------------------------------------------------------------------------------------------
 
 struct Contestant {
     std::string name;

@@ -101,7 +101,7 @@ TEST_P(Curves, RoundTripsWithinTheSteps)
 INSTANTIATE_TEST_SUITE_P(Codes, Curves, testing::ValuesIn(curveCodes),
                          [](const auto &of) { return std::to_string(of.param); });
 
-// --- What the publishers say ----------------------------------------------------------------------------------
+// --- What the publishers say --------------------------------------------------------------------------------
 
 struct Point {
     std::int32_t curve;

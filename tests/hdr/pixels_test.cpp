@@ -123,7 +123,7 @@ protected:
     }
 };
 
-// --- Every count, place, alignment; in place; any values -------------------------------------------------------
+// --- Every count, place, alignment; in place; any values ----------------------------------------------------
 
 TEST_F(HdrPixels, WithoutPowersAgreeToTheBit)
 {
@@ -156,7 +156,7 @@ TEST_F(HdrPixels, ArePixelsOfTheirOwn)
     }
 }
 
-// --- Light within the powers' error ----------------------------------------------------------------------------
+// --- Light within the powers' error -------------------------------------------------------------------------
 
 // Sums of products of positive numbers keep the relative error of their terms; light of other signs gets the error of
 // the pixel's largest component.
@@ -221,7 +221,7 @@ TEST_F(HdrPixels, WithPowersAreWithinTheirError)
     }
 }
 
-// --- Values that can be said in words --------------------------------------------------------------------------
+// --- Values that can be said in words -----------------------------------------------------------------------
 
 // What becomes of light, decoded by PQ and encoded by a table fine enough to read it back.
 double lightAfter(double light, int component = 0)

@@ -23,7 +23,7 @@ struct Camera {
 constexpr Camera bt709 = {0.018, 0.081, 1.099};
 constexpr Camera bt2020 = {0.0181, 0.0814, 1.0993};
 
-// --- Logarithms ----------------------------------------------------------------------------------------------
+// --- Logarithms ---------------------------------------------------------------------------------------------
 
 // gain log10(slope x + 1) + black.
 struct Logarithm {
@@ -75,7 +75,7 @@ double log210Light(double c)
 double vLogLight(double c) { return c < 0.181 ? (c - 0.125) / 5.6 : tenTo((c - 0.598206) / 0.241514) - 0.00873; }
 double vLogCodeValue(double x) { return x < 0.01 ? 5.6 * x + 0.125 : 0.241514 * std::log10(x + 0.00873) + 0.598206; }
 
-// --- Sony ----------------------------------------------------------------------------------------------------
+// --- Sony ---------------------------------------------------------------------------------------------------
 
 // Of reflectance by 0.9, which is 219/155 of the signal's own scale.
 double sLog2Light(double c)
@@ -113,7 +113,7 @@ constexpr double stretchesFrom = 3.7371928188 / stretch; // 2.5
 double stretchedLight(double x) { return x <= stretchesFrom ? x : stretchesFrom + stretch * (x - stretchesFrom); }
 double unstretchedLight(double x) { return x <= stretchesFrom ? x : stretchesFrom + (x - stretchesFrom) / stretch; }
 
-// --- High dynamic range --------------------------------------------------------------------------------------
+// --- High dynamic range -------------------------------------------------------------------------------------
 
 constexpr double pqM1 = 0.1593017578125;
 constexpr double pqM2 = 78.84375;
