@@ -477,6 +477,13 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
 }
+// The entries of a table that every step-th index names.
+template <int step> inline f32s lookUp(const float *table, const uint32_t *indices)
+{
+    return {_mm256_setr_ps(table[indices[0]], table[indices[step]], table[indices[2 * step]], table[indices[3 * step]],
+                           table[indices[4 * step]], table[indices[5 * step]], table[indices[6 * step]],
+                           table[indices[7 * step]])};
+}
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storeu_ps(to, _mm256_cvtpd_ps(x.v)); }
 inline f32s toFloat(f64s low, f64s high)

@@ -399,6 +399,11 @@ inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
 }
+// The entries of a table that every step-th index names.
+template <int step> inline f32s lookUp(const float *table, const uint32_t *indices)
+{
+    return {_mm_setr_ps(table[indices[0]], table[indices[step]], table[indices[2 * step]], table[indices[3 * step]])};
+}
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }

@@ -147,7 +147,7 @@ TEST_F(HdrSetUp, RegisteringAgainChangesNothing)
     EXPECT_EQ(formatMap4.size(), sizes[1]);
 }
 
-// A set-up, then conversions on several threads, again and again. The sanitizer for threads watches the rest.
+// A set-up, then conversions on several threads, again and again.
 TEST_F(HdrSetUp, ConversionsMayMeet)
 {
     std::vector<float> pixels(4 * 999);

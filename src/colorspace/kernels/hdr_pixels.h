@@ -23,9 +23,9 @@ inline f32s luma2020(const HdrPixels &p)
 // steps, those of neighbouring pixels overlap (Zen 4: half the time of the tables, a third of the roll-off's).
 constexpr ptrdiff_t hdrRun = 64;
 using HdrPlane = float[hdrRun];
-using HdrIndices = int32_t[hdrRun];
+using HdrIndices = uint32_t[hdrRun];
 
-// Lanes behind the run hold numbers of no meaning.
+// Lanes of the last register that are behind the run hold pixels of code 0, then whatever becomes of these.
 template <class Step> inline void overPixels(HdrPlane (&planes)[4], ptrdiff_t run, Step step)
 {
     for (ptrdiff_t i = 0; i < run; i += f32s::lanes) {
@@ -54,8 +54,8 @@ inline f32s knee(f32s x)
     return select(greater(x, splatF32(10)), splatF32(1), y);
 }
 
-// SMPTE ST 2084 with what is far from 1 in double precision. c1 = 1 - (c2 - c3), so the fraction that is raised to m2
-// is 1 + (c3 - c2)(1 - p) / (1 + c3 p), and the difference to 1 keeps all its digits.
+// SMPTE ST 2084. c1 = 1 - (c2 - c3), so the fraction that is raised to m2 is 1 + (c2 - c3)(p - 1) / (1 + c3 p): what it
+// differs from 1 by keeps its digits, of which a power of 78.84 would make errors.
 constexpr double pqM1 = 0.1593017578125;
 constexpr double pqM2 = 78.84375;
 constexpr float pqC3 = 18.6875f;
@@ -202,18 +202,21 @@ inline void decodeHdr(const vela::HdrPlan &plan, HdrPlane (&light)[4], const uin
 {
     const float *const table = plan.input;
     const f32s top = splatF32(plan.inputTop);
-    int32_t indices[4 * hdrRun];
+    uint32_t indices[4 * hdrRun];
     map<f32s>(
         indices, 4 * count, [top](f32s x) { return truncate(smaller(larger(x * top, zero<f32s>()), top)); },
         (const float *)src);
-    for (ptrdiff_t i = 0; i < count; ++i) {
-        light[0][i] = table[indices[4 * i]];
-        light[1][i] = table[indices[4 * i + 1]];
-        light[2][i] = table[indices[4 * i + 2]];
-        light[3][i] = loadPiece<float>(src + 16 * i + 12);
+    for (ptrdiff_t i = 4 * count; i % (4 * f32s::lanes); ++i) // what fills the last register
+        indices[i] = 0;
+    for (ptrdiff_t i = 0; i < count; i += f32s::lanes) {
+        store(light[0] + i, lookUp<4>(table, indices + 4 * i));
+        store(light[1] + i, lookUp<4>(table, indices + 4 * i + 1));
+        store(light[2] + i, lookUp<4>(table, indices + 4 * i + 2));
     }
-    for (ptrdiff_t i = count; i % f32s::lanes; ++i) // what fills the last register
-        light[0][i] = light[1][i] = light[2][i] = light[3][i] = 0;
+    for (ptrdiff_t i = 0; i < count; ++i)
+        light[3][i] = loadPiece<float>(src + 16 * i + 12);
+    for (ptrdiff_t i = count; i % f32s::lanes; ++i)
+        light[3][i] = 0;
 }
 
 // Through the output table, whose entries are limited already.
@@ -221,10 +224,8 @@ inline void encodeHdr(const vela::HdrPlan &plan, uint8_t *dst, const HdrIndices 
                       ptrdiff_t count)
 {
     const float *const table = plan.output;
-    for (ptrdiff_t i = 0; i < count; ++i) {
-        const float pixel[4] = {table[indices[0][i]], table[indices[1][i]], table[indices[2][i]], alpha[i]};
-        memcpy(dst + 16 * i, pixel, sizeof(pixel));
-    }
+    for (ptrdiff_t i = 0; i < count; ++i)
+        storeFour(dst + 16 * i, table[indices[0][i]], table[indices[1][i]], table[indices[2][i]], alpha[i]);
 }
 
 // `plain`: nothing but tables and matrix.
