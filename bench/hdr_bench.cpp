@@ -45,7 +45,8 @@ struct Picture {
             for (unsigned x = 0; x < width; ++x)
                 for (unsigned c = 0; c < 4; ++c) {
                     const double u = 0.5 + 0.5 * std::sin(0.011 * x + 0.9 * c) * std::cos(0.007 * y + 0.0031 * x);
-                    pixels[4 * (std::size_t{y} * width + x) + c] = static_cast<float>(0.15 + 0.6 * u * u) + grain(random);
+                    pixels[4 * (std::size_t{y} * width + x) + c] =
+                        static_cast<float>(0.15 + 0.6 * u * u) + grain(random);
                 }
     }
 

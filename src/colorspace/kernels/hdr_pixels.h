@@ -183,7 +183,7 @@ struct HdrMatrix {
     explicit HdrMatrix(const float *from)
     {
         for (int i = 0; i < 16; ++i)
-            entries[i] = splatF32(from[i]);
+            entries[i] = splatF32(loadPiece<float>((const uint8_t *)from + i * sizeof(float)));
     }
     HdrPixels times(const HdrPixels &p) const { return {row(0, p), row(1, p), row(2, p), row(3, p)}; }
 
