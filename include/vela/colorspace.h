@@ -4,6 +4,7 @@
 
 #include <vela/base.h>
 #include <vela/color_coefficients.h>
+#include <vela/hdr.h>
 
 #if defined(__cplusplus)
 extern "C" {

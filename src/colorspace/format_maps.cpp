@@ -1,5 +1,6 @@
 #include "colorspace/format_maps.hpp"
 
+#include "colorspace/hdr/conversion.hpp"
 #include "colorspace/tiers.hpp"
 
 namespace vela::colorspace {
@@ -59,11 +60,14 @@ void fillFormatMaps() noexcept
 {
     fill(formatMap1, map1Slots);
     fill(formatMap2, map2Slots);
+    hdr::fillMaps();
 }
 
 constinit const VcbColorSpaceProcs plainProcs = {
     .CscConvertByCodeMap1 = convertByCodeMap1,
     .CscConvertByCodeMap2 = convertByCodeMap2,
+    .CscSetupHdrConversion = hdr::setUp,
+    .CscConvertHdrPixels = hdr::convertPixels,
 };
 
 } // namespace vela::colorspace

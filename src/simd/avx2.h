@@ -439,6 +439,7 @@ inline f32s smaller(f32s a, f32s b) { return {_mm256_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm256_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm256_min_pd(a.v, b.v)}; }
 
+inline f32s greater(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GT_OS)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OS)}; }
 
@@ -475,6 +476,13 @@ inline i32s loadTop8(const uint8_t *from) { return shiftLeft<24>(loadAsWide(from
 inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm256_slli_epi32(_mm256_cvtepu16_epi32(_mm_loadu_si128((const __m128i *)from)), 16)};
+}
+// The entries of a table that every step-th index names.
+template <int step> inline f32s lookUp(const float *table, const uint32_t *indices)
+{
+    return {_mm256_setr_ps(table[indices[0]], table[indices[step]], table[indices[2 * step]], table[indices[3 * step]],
+                           table[indices[4 * step]], table[indices[5 * step]], table[indices[6 * step]],
+                           table[indices[7 * step]])};
 }
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storeu_ps(to, _mm256_cvtpd_ps(x.v)); }

@@ -93,6 +93,12 @@ inline void storeFew(uint8_t *to, __m128i x, ptrdiff_t n)
         *to = (uint8_t)bytes;
 }
 
+// Four floats to any address.
+inline void storeFour(uint8_t *to, float a, float b, float c, float d)
+{
+    _mm_storeu_ps((float *)to, _mm_setr_ps(a, b, c, d));
+}
+
 // The first element, of 4 or 8 bytes.
 template <int bytes> inline void storeOne16(void *to, __m128i x)
 {

@@ -353,6 +353,7 @@ inline f32s smaller(f32s a, f32s b) { return {_mm_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm_min_pd(a.v, b.v)}; }
 
+inline f32s greater(f32s a, f32s b) { return {_mm_cmpgt_ps(a.v, b.v)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm_cmpge_ps(a.v, b.v)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm_cmpge_pd(a.v, b.v)}; }
 
@@ -397,6 +398,11 @@ inline i32s loadTop8(const uint8_t *from)
 inline i32s loadTop16(const uint8_t *from)
 {
     return {_mm_unpacklo_epi16(_mm_setzero_si128(), _mm_loadl_epi64((const __m128i *)from))};
+}
+// The entries of a table that every step-th index names.
+template <int step> inline f32s lookUp(const float *table, const uint32_t *indices)
+{
+    return {_mm_setr_ps(table[indices[0]], table[indices[step]], table[indices[2 * step]], table[indices[3 * step]])};
 }
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
