@@ -38,7 +38,7 @@ public:
          const Options &options)
         : label_(table.label), caseName_(test::caseName(table, kernelCase)), slot_(kernelCase.slot), tier_(tier.name),
           case_(kernelCase), kernel_(kernelAt(tier.table, kernelCase.slot)), oracle_(oracle),
-          count_(options.count ? options.count : countFor(kernelCase, options.rowBytes))
+          count_(countFor(kernelCase, options))
     {
         std::mt19937_64 random(1);
         for (std::size_t i = 0; i < case_.arguments.size(); ++i) {
@@ -80,15 +80,21 @@ public:
     std::int64_t bytes() const { return bytes_; } // of rows that the count lengthens, read and written by a call
 
 private:
-    // The count that makes the largest row about as long as asked. Look-up tables have their own length.
-    static std::int64_t countFor(const KernelCase &kernelCase, std::int64_t rowBytes)
+    // The count that makes the largest row about as long as asked. Look-up tables have their own length. A kernel
+    // without a count is timed by the call.
+    static std::int64_t countFor(const KernelCase &kernelCase, const Options &options)
     {
+        if (std::none_of(kernelCase.arguments.begin(), kernelCase.arguments.end(),
+                         [](const Argument &argument) { return argument.kind == Argument::Kind::count; }))
+            return 1;
+        if (options.count)
+            return options.count;
         constexpr std::int64_t probe = 9600;
         std::int64_t largest = 1;
         for (const Argument &argument : kernelCase.arguments)
             if (argument.bytes)
                 largest = std::max(largest, argument.bytes(2 * probe) - argument.bytes(probe));
-        return std::max<std::int64_t>(rowBytes * probe / largest, 1);
+        return std::max<std::int64_t>(options.rowBytes * probe / largest, 1);
     }
 
     std::int64_t itemsOf(const Argument &argument) const

@@ -358,6 +358,8 @@ inline f64s atLeast(f64s a, f64s b) { return {_mm_cmpge_pd(a.v, b.v)}; }
 
 // To 12 bits, processors differ; infinity for 0.
 inline f32s approximateReciprocal(f32s x) { return {_mm_rcp_ps(x.v)}; }
+// The same of doubles, by way of floats.
+inline f64s approximateReciprocal(f64s x) { return {_mm_cvtps_pd(_mm_rcp_ps(_mm_cvtpd_ps(x.v)))}; }
 
 inline f32s signBits(f32s x) { return x & splatF32(-0.0f); }
 inline f64s signBits(f64s x) { return x & splatF64(-0.0); }

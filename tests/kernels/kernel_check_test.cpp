@@ -35,6 +35,7 @@ struct Table {
     void(VCB_CALL *gainLines)(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
                               const Gain *gain);
     int16_t *(VCB_CALL *widen)(int16_t *dst, const uint8_t *src, int32_t count);
+    VcbVec4 *(VCB_CALL *negate)(VcbVec4 *out, const VcbVec4 *a);
 };
 
 // Rows need no alignment.
@@ -404,6 +405,22 @@ int16_t *returnsTheStart(int16_t *dst, const uint8_t *src, int32_t count)
     return dst;
 }
 
+// Without a count, and for aligned rows alone.
+bool isAligned(const void *row) { return reinterpret_cast<std::uintptr_t>(row) % alignof(VcbVec4) == 0; }
+
+VcbVec4 *negate(VcbVec4 *out, const VcbVec4 *a)
+{
+    for (int i = 0; i < 4; ++i)
+        out->v[i] = isAligned(out) && isAligned(a) ? -a->v[i] : 0;
+    return out;
+}
+
+VcbVec4 *returnsTheSource(VcbVec4 *out, const VcbVec4 *a)
+{
+    negate(out, a);
+    return const_cast<VcbVec4 *>(a);
+}
+
 KernelCase averageCase()
 {
     return kernelCase<&Table::average>({destination(1), source(1), source(1), count()}).mayEqual({1, 2});
@@ -452,6 +469,12 @@ KernelCase gainLinesCase()
 
 KernelCase widenCase() { return kernelCase<&Table::widen>({destination(2), source(1), count()}); }
 
+KernelCase negateCase()
+{
+    return kernelCase<&Table::negate>({aligned(16, standingDestination(16)), aligned(16, standingSource(16))})
+        .mayEqual({1});
+}
+
 template <class Function> VcbKernel untyped(Function *function) { return reinterpret_cast<VcbKernel>(function); }
 
 TEST(KernelCheck, AcceptsCorrectKernels)
@@ -475,6 +498,7 @@ TEST(KernelCheck, AcceptsCorrectKernels)
         {mixCase(), untyped(mix), untyped(mix)},
         {gainLinesCase(), untyped(gainLines), untyped(gainLines)},
         {widenCase(), untyped(widen), untyped(widen)},
+        {negateCase(), untyped(negate), untyped(negate)},
     };
     for (const auto &c : correct) {
         for (const bool quick : {false, true}) {
@@ -541,6 +565,7 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
         {"clears the second line", gainLinesCase(), untyped(clearsTheSecondLine), untyped(gainLines),
          Fault::wrongResult},
         {"returns the start", widenCase(), untyped(returnsTheStart), untyped(widen), Fault::wrongReturn},
+        {"returns its source", negateCase(), untyped(returnsTheSource), untyped(negate), Fault::wrongReturn},
     };
     for (const auto &f : faulty) {
         for (const std::uint64_t seed : {1u, 2u, 3u}) {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <vela/colorspace.h>
+#include <vela/math3d.h>
+#include <vela/matrix.h>
 #include <vela/mem.h>
 #include <vela/video.h>
 
@@ -16,7 +18,12 @@
     TABLE(VcbSampleFormatOps, sampleFormatOps)       \
     TABLE(VcbMemCompareOps, memCompareOps)           \
     TABLE(VcbMemMiscOps, memMiscOps)                 \
-    TABLE(VcbVideoProcs, videoProcs)
+    TABLE(VcbVideoProcs, videoProcs)                 \
+    TABLE(VcbMatrixProcs, matrixProcs)               \
+    TABLE(VcbVectorProcs, vectorProcs)               \
+    TABLE(Vcb3DMathArrays, math3dArrays)             \
+    TABLE(Vcb3DMathIdentity, math3dIdentity)         \
+    TABLE(Vcb3DMathCross, math3dCross)
 
 // Those whose result at AVX2 is another than the base tier's, with these slots alone.
 #define AVX2_ORACLE_TABLES(TABLE) TABLE(VcbMemMiscOps, memMiscOpsOfAvx2)

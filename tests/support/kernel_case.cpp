@@ -34,7 +34,8 @@ bool agrees(const Argument &argument, const Parameter &parameter)
         return parameter.kind == Parameter::Kind::row;
     case Argument::Kind::source:
         return parameter.kind == Parameter::Kind::constRow &&
-               (argument.contents.empty() || argument.contents[0].size() == parameter.size);
+               (argument.contents.empty() || argument.contents[0].size() == parameter.size ||
+                parameter.element != Element::integer);
     case Argument::Kind::sourceRows:
         return parameter.kind == Parameter::Kind::constRows;
     case Argument::Kind::count:
@@ -111,6 +112,19 @@ Argument standingDestination(std::int64_t bytes)
     Argument argument = argumentOf(Argument::Kind::destination);
     argument.bytes = constant(bytes);
     return argument;
+}
+
+Argument standingSource(std::int64_t bytes)
+{
+    Argument argument = argumentOf(Argument::Kind::source);
+    argument.bytes = constant(bytes);
+    return argument;
+}
+
+Argument aligned(std::size_t alignment, Argument row)
+{
+    row.alignment = alignment;
+    return row;
 }
 
 Argument sourceRows(std::int64_t bytesPerUnit, std::size_t inputs)

@@ -86,7 +86,8 @@ public:
         const std::size_t after = bytes ? static_cast<std::size_t>(argument.after) : 0;
         const std::size_t whole = before + bytes + after;
         bytes_ = bytes;
-        const std::size_t skew = trial.skewed ? random.below(largestSkew + 1) : 0;
+        const std::size_t skew =
+            trial.skewed ? random.below(largestSkew + 1) / argument.alignment * argument.alignment : 0;
         start_ = (trial.side == Side::after ? guarded_.end() - skew - whole : guarded_.begin() + skew) + before;
         windowBegin_ = std::max(guarded_.begin(), start_ - before - margin);
         windowEnd_ = std::min(guarded_.end(), start_ + bytes + after + margin);

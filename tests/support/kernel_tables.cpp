@@ -1,6 +1,8 @@
 #include "support/kernel_tables.hpp"
 
 #include "colorspace/tiers.hpp"
+#include "math3d/tiers.hpp"
+#include "matrix/tiers.hpp"
 #include "mem/tiers.hpp"
 #include "oracles/oracles.hpp"
 #include "support/wide_texts.hpp"
@@ -69,8 +71,8 @@ TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, tabl
 std::vector<KernelCase> allCases()
 {
     std::vector<KernelCase> all;
-    for (const auto &topic :
-         {colorSpaceCases(), memMoveCases(), memByteCases(), memFloatCases(), memFormatCases(), videoCases()})
+    for (const auto &topic : {colorSpaceCases(), memMoveCases(), memByteCases(), memFloatCases(), memFormatCases(),
+                              videoCases(), matrixCases(), math3dCases()})
         all.insert(all.end(), topic.begin(), topic.end());
     return all;
 }
@@ -89,6 +91,11 @@ std::vector<KernelTable> kernelTables()
         kernelTable(oracle::memMiscOps, {sse2(&memMiscOpsSse2), ssse3(&memMiscOpsSsse3),
                                          avx2(&memMiscOpsAvx2, &oracle::memMiscOpsOfAvx2), wideTexts(&memMiscOpsWide)}),
         kernelTable(oracle::videoProcs, {sse2(&videoProcsSse2), avx2(&videoProcsAvx2), wideTexts(&videoProcsWide)}),
+        kernelTable(oracle::matrixProcs, {sse2(&matrixProcsSse2), avx2(&matrixProcsAvx2), wideTexts(&matrixProcsWide)}),
+        kernelTable(oracle::vectorProcs, {sse2(&vectorProcsSse2), wideTexts(&vectorProcsWide)}),
+        kernelTable(oracle::math3dArrays, {sse2(&math3dArraysSse2), wideTexts(&math3dArraysWide)}),
+        kernelTable(oracle::math3dIdentity, {sse2(&math3dIdentitySse2), wideTexts(&math3dIdentityWide)}),
+        kernelTable(oracle::math3dCross, {sse2(&math3dCrossSse2), wideTexts(&math3dCrossWide)}),
     };
 }
 

@@ -37,6 +37,8 @@ std::vector<KernelCase> memByteCases();
 std::vector<KernelCase> memFloatCases();
 std::vector<KernelCase> memFormatCases();
 std::vector<KernelCase> videoCases();
+std::vector<KernelCase> matrixCases();
+std::vector<KernelCase> math3dCases();
 std::vector<KernelCase> allCases();
 
 // All sub-tables that have kernels.
