@@ -2,8 +2,6 @@
 // lane waits for one addition a block; wider registers would change the order, and with it the bits.
 #pragma once
 
-#include "math3d/kernels/lane0.h"
-
 namespace {
 
 template <class Real> struct Register;
@@ -16,14 +14,14 @@ template <> struct Register<float> {
         const Vector two = _mm_add_ps(x, _mm_movehl_ps(x, x));
         return _mm_cvtss_f32(_mm_add_ss(two, _mm_shuffle_ps(two, two, 1)));
     }
-    static float squareRoot(float x) { return _mm_cvtss_f32(_mm_sqrt_ss(inLane0(x))); }
+    static float squareRoot(float x) { return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set1_ps(x))); }
 };
 template <> struct Register<double> {
     using Vector = __m128d;
     static constexpr ptrdiff_t lanes = 2;
     static Vector load(const double *from) { return _mm_loadu_pd(from); }
     static double sumOfLanes(Vector x) { return _mm_cvtsd_f64(_mm_add_sd(x, _mm_unpackhi_pd(x, x))); }
-    static double squareRoot(double x) { return _mm_cvtsd_f64(_mm_sqrt_sd(inLane0(x), inLane0(x))); }
+    static double squareRoot(double x) { return _mm_cvtsd_f64(_mm_sqrt_pd(_mm_set1_pd(x))); }
 };
 
 // The sum of term(rows[i]...) over a block of vectors, by halves. term takes vectors and single elements.

@@ -1,8 +1,6 @@
 // 3-vectors.
 #pragma once
 
-#include "math3d/kernels/lane0.h"
-
 #include <vela/math3d.h>
 
 namespace {
@@ -24,7 +22,8 @@ inline VcbVec3 *write(VcbVec3 *to, VcbVec3 x)
 inline VcbVec3 operator-(VcbVec3 a, VcbVec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 inline VcbVec3 operator*(VcbVec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
 inline float lengthSquared(VcbVec3 a) { return (a.x * a.x + a.z * a.z) + a.y * a.y; }
-inline float length(VcbVec3 a) { return _mm_cvtss_f32(_mm_sqrt_ss(inLane0(lengthSquared(a)))); }
+// _mm_set_ss() would take GCC 12 by way of an integer register.
+inline float length(VcbVec3 a) { return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set1_ps(lengthSquared(a)))); }
 
 VcbVec3 *VecOp14(VcbVec3 *out, const VcbVec3 *a, float s) { return write(out, read(a) * s); }
 
@@ -59,7 +58,7 @@ VcbVec3 *Vec3Normalize(VcbVec3 *out, const VcbVec3 *a)
 {
     const VcbVec3 v = read(a);
     const float s = lengthSquared(v);
-    return write(out, s > 0x1p-23f ? v * _mm_cvtss_f32(_mm_rsqrt_ss(inLane0(s))) : v);
+    return write(out, s > 0x1p-23f ? v * _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set1_ps(s))) : v);
 }
 
 VcbVec3 *Vec3Cross(VcbVec3 *out, const VcbVec3 *a, const VcbVec3 *b)

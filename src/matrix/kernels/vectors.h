@@ -53,7 +53,7 @@ VcbVec4 *VecSub(VcbVec4 *out, const VcbVec4 *a, const VcbVec4 *b)
 int32_t VecNearlyEqual(const VcbVec4 *a, const VcbVec4 *b)
 {
     const __m128 differences = _mm_andnot_ps(_mm_set1_ps(-0.0f), _mm_sub_ps(components(a), components(b)));
-    return !_mm_comigt_ss(sumOfFour(differences), _mm_set_ss(0x1p-23f));
+    return !(_mm_cvtss_f32(sumOfFour(differences)) > 0x1p-23f);
 }
 
 } // namespace
