@@ -5,17 +5,22 @@
 
 namespace {
 
-typedef VcbVec3 Vec3Anywhere __attribute__((aligned(1)));
+// A float at any address.
+typedef float FloatAnywhere __attribute__((aligned(1)));
 
 // All of a vector is read before anything is written: out may be an input.
-inline VcbVec3 read(const Vec3Anywhere *from) { return {from->x, from->y, from->z}; }
+inline VcbVec3 read(const VcbVec3 *from)
+{
+    const FloatAnywhere *components = (const FloatAnywhere *)from;
+    return {components[0], components[1], components[2]};
+}
 
 inline VcbVec3 *write(VcbVec3 *to, VcbVec3 x)
 {
-    Vec3Anywhere *out = to;
-    out->x = x.x;
-    out->y = x.y;
-    out->z = x.z;
+    FloatAnywhere *components = (FloatAnywhere *)to;
+    components[0] = x.x;
+    components[1] = x.y;
+    components[2] = x.z;
     return to;
 }
 
