@@ -439,6 +439,8 @@ inline f32s smaller(f32s a, f32s b) { return {_mm256_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm256_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm256_min_pd(a.v, b.v)}; }
 
+inline f64s squareRoot(f64s x) { return {_mm256_sqrt_pd(x.v)}; }
+
 inline f32s atLeast(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OS)}; }
 
@@ -453,6 +455,8 @@ inline f64s magnitude(f64s x) { return without(x, splatF64(-0.0)); }
 inline f32s toFloat(i32s x) { return {_mm256_cvtepi32_ps(x.v)}; }
 // Toward zero; INT32_MIN for a NaN and for what 32 bits cannot hold.
 inline i32s truncate(f32s x) { return {_mm256_cvttps_epi32(x.v)}; }
+// To the nearest, ties to even; INT32_MIN.
+inline i32s toNearestEven(f32s x) { return {_mm256_cvtps_epi32(x.v)}; }
 inline i32s truncate(f64s low, f64s high)
 {
     return {
@@ -481,6 +485,19 @@ inline void storeAsFloats(float *to, f64s x) { _mm_storeu_ps(to, _mm256_cvtpd_ps
 inline f32s toFloat(f64s low, f64s high)
 {
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(low.v)), _mm256_cvtpd_ps(high.v), 1)};
+}
+
+// a0 b0 c0 d0 a1 b1 ...
+inline void storeInterleaved(double *to, f64s a, f64s b, f64s c, f64s d)
+{
+    const __m256d abEven = _mm256_unpacklo_pd(a.v, b.v); // a0 b0 a2 b2
+    const __m256d abOdd = _mm256_unpackhi_pd(a.v, b.v);
+    const __m256d cdEven = _mm256_unpacklo_pd(c.v, d.v);
+    const __m256d cdOdd = _mm256_unpackhi_pd(c.v, d.v);
+    _mm256_storeu_pd(to, _mm256_permute2f128_pd(abEven, cdEven, 0x20));
+    _mm256_storeu_pd(to + 4, _mm256_permute2f128_pd(abOdd, cdOdd, 0x20));
+    _mm256_storeu_pd(to + 8, _mm256_permute2f128_pd(abEven, cdEven, 0x31));
+    _mm256_storeu_pd(to + 12, _mm256_permute2f128_pd(abOdd, cdOdd, 0x31));
 }
 
 // --- Across lanes --------------------------------------------------------------------------------------------

@@ -353,6 +353,8 @@ inline f32s smaller(f32s a, f32s b) { return {_mm_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm_min_pd(a.v, b.v)}; }
 
+inline f64s squareRoot(f64s x) { return {_mm_sqrt_pd(x.v)}; }
+
 inline f32s atLeast(f32s a, f32s b) { return {_mm_cmpge_ps(a.v, b.v)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm_cmpge_pd(a.v, b.v)}; }
 
@@ -367,6 +369,8 @@ inline f64s magnitude(f64s x) { return without(x, splatF64(-0.0)); }
 inline f32s toFloat(i32s x) { return {_mm_cvtepi32_ps(x.v)}; }
 // Toward zero; INT32_MIN for a NaN and for what 32 bits cannot hold.
 inline i32s truncate(f32s x) { return {_mm_cvttps_epi32(x.v)}; }
+// To the nearest, ties to even; INT32_MIN.
+inline i32s toNearestEven(f32s x) { return {_mm_cvtps_epi32(x.v)}; }
 inline i32s truncate(f64s low, f64s high)
 {
     return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.v), _mm_cvttpd_epi32(high.v))};
@@ -401,6 +405,15 @@ inline i32s loadTop16(const uint8_t *from)
 // Rounded to nearest, as are those that go to memory as floats.
 inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
+
+// a0 b0 c0 d0 a1 b1 ...
+inline void storeInterleaved(double *to, f64s a, f64s b, f64s c, f64s d)
+{
+    _mm_storeu_pd(to, _mm_unpacklo_pd(a.v, b.v));
+    _mm_storeu_pd(to + 2, _mm_unpacklo_pd(c.v, d.v));
+    _mm_storeu_pd(to + 4, _mm_unpackhi_pd(a.v, b.v));
+    _mm_storeu_pd(to + 6, _mm_unpackhi_pd(c.v, d.v));
+}
 
 // --- Across lanes --------------------------------------------------------------------------------------------
 

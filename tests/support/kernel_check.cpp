@@ -79,11 +79,11 @@ class Row {
 public:
     explicit Row(std::size_t largest) : guarded_(largest + 2 * (margin + largestSkew + 1)) {}
 
-    void place(const Argument &argument, const Parameter &type, std::size_t bytes, const Trial &trial, Random &random)
+    void place(const Argument &argument, const Parameter &type, const Span &span, const Trial &trial, Random &random)
     {
-        // A row of no units has no padding to read either.
-        const std::size_t before = bytes ? static_cast<std::size_t>(argument.before) : 0;
-        const std::size_t after = bytes ? static_cast<std::size_t>(argument.after) : 0;
+        const auto before = static_cast<std::size_t>(span.before);
+        const auto bytes = static_cast<std::size_t>(span.bytes);
+        const auto after = static_cast<std::size_t>(span.after);
         const std::size_t whole = before + bytes + after;
         bytes_ = bytes;
         const std::size_t skew = trial.skewed ? random.below(largestSkew + 1) : 0;
@@ -95,7 +95,7 @@ public:
             // Canaries, whatever the sources hold; floats that a kernel adds to may be any.
             fillBytes(windowBegin_, windowSize(), Fill::random, random);
             if (type.element != Element::integer)
-                fillRow(start_, bytes_, type, random.next() & 1 ? Fill::random : trial.fill, random);
+                fillRow(start_ - before, whole, type, random.next() & 1 ? Fill::random : trial.fill, random);
         } else {
             fillSpan(windowBegin_, start_ - before, trial.fill, random);
             if (argument.contents.empty())
@@ -202,17 +202,21 @@ public:
             const Argument &argument = case_.arguments[i];
             if (!isRow(argument))
                 continue;
-            std::size_t items = 1;
-            if (argument.items)
-                for (const Bits value : case_.arguments[*argument.items].values)
-                    items = std::max(items, itemsIn(value, *argument.items));
-            const auto bytes = static_cast<std::size_t>(argument.bytes(largestCount));
-            const auto padding = static_cast<std::size_t>(argument.before + argument.after);
+            std::int64_t most = 1;
+            std::size_t largest = sizeOf(spanOf(argument, largestCount, 1));
+            if (argument.items) {
+                for (const Bits value : case_.arguments[*argument.items].values) {
+                    const std::int64_t items = itemsIn(value, *argument.items);
+                    most = std::max(most, items);
+                    if (argument.kind != Argument::Kind::sourceRows)
+                        largest = std::max(largest, sizeOf(spanOf(argument, largestCount, items)));
+                }
+            }
             const bool isArray = argument.kind == Argument::Kind::sourceRows;
-            for (std::size_t row = 0; row < (isArray ? items : 1); ++row)
-                rows_[i].rows.push_back(std::make_unique<Row>((isArray ? bytes : bytes * items) + padding));
+            for (std::int64_t row = 0; row < (isArray ? most : 1); ++row)
+                rows_[i].rows.push_back(std::make_unique<Row>(largest));
             if (isArray)
-                rows_[i].pointers = std::make_unique<Row>(items * sizeof(void *));
+                rows_[i].pointers = std::make_unique<Row>(static_cast<std::size_t>(most) * sizeof(void *));
         }
     }
 
@@ -302,9 +306,14 @@ private:
         return inPlace;
     }
 
-    std::size_t itemsIn(Bits value, std::size_t argument) const
+    static std::size_t sizeOf(const Span &span)
     {
-        return static_cast<std::size_t>(std::max<std::int64_t>(integerOf(value, case_.parameters[argument]), 0));
+        return static_cast<std::size_t>(span.before + span.bytes + span.after);
+    }
+
+    std::int64_t itemsIn(Bits value, std::size_t argument) const
+    {
+        return integerOf(value, case_.parameters[argument]);
     }
 
     void placeRows(std::size_t i, const Trial &trial, std::vector<Bits> &mine, std::vector<Bits> &theirs,
@@ -312,21 +321,20 @@ private:
     {
         const Argument &argument = case_.arguments[i];
         const Parameter &type = case_.parameters[i];
-        const std::size_t items = argument.items ? itemsIn(mine[*argument.items], *argument.items) : 1;
-        const auto bytes = static_cast<std::size_t>(argument.bytes(trial.count));
+        const std::int64_t items = argument.items ? itemsIn(mine[*argument.items], *argument.items) : 1;
         Rows &rows = rows_[i];
         if (argument.kind != Argument::Kind::sourceRows) {
             rows.used = 1;
-            rows.rows[0]->place(argument, type, bytes * items, trial, random);
+            rows.rows[0]->place(argument, type, spanOf(argument, trial.count, items), trial, random);
             mine[i] = toBits(rows.rows[0]->start());
             theirs[i] = toBits(rows.rows[0]->copyStart());
             return;
         }
-        rows.used = trial.count > 0 ? items : 0;
+        rows.used = trial.count > 0 ? static_cast<std::size_t>(std::max<std::int64_t>(items, 0)) : 0;
         rows.oraclePointers.clear();
         std::vector<const std::uint8_t *> pointers;
         for (std::size_t row = 0; row < rows.used; ++row) {
-            rows.rows[row]->place(argument, type, bytes, trial, random);
+            rows.rows[row]->place(argument, type, spanOf(argument, trial.count, 1), trial, random);
             pointers.push_back(rows.rows[row]->start());
             rows.oraclePointers.push_back(rows.rows[row]->copyStart());
         }

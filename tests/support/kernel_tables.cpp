@@ -1,8 +1,10 @@
 #include "support/kernel_tables.hpp"
 
+#include "audio/tiers.hpp"
 #include "colorspace/tiers.hpp"
 #include "mem/tiers.hpp"
 #include "oracles/oracles.hpp"
+#include "signal/tiers.hpp"
 #include "support/wide_texts.hpp"
 #include "video/tiers.hpp"
 
@@ -56,6 +58,7 @@ template <class Table> KernelTable kernelTable(const Table &oracle, std::vector<
 
 TierKernels sse2(const void *table) { return {"sse2", VCB_CPU_SSE2, VCB_TIERS_SSE2, table}; }
 TierKernels ssse3(const void *table) { return {"ssse3", VCB_CPU_SSSE3, VCB_TIERS_SSSE3, table}; }
+TierKernels avx(const void *table, const void *oracle) { return {"avx", VCB_CPU_AVX, VCB_TIERS_AVX, table, oracle}; }
 TierKernels avx2(const void *table, const void *oracle = nullptr)
 {
     return {"avx2", VCB_CPU_AVX2, VCB_TIERS_AVX2, table, oracle};
@@ -69,8 +72,8 @@ TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, tabl
 std::vector<KernelCase> allCases()
 {
     std::vector<KernelCase> all;
-    for (const auto &topic :
-         {colorSpaceCases(), memMoveCases(), memByteCases(), memFloatCases(), memFormatCases(), videoCases()})
+    for (const auto &topic : {audioCases(), colorSpaceCases(), memMoveCases(), memByteCases(), memFloatCases(),
+                              memFormatCases(), signalCases(), videoCases()})
         all.insert(all.end(), topic.begin(), topic.end());
     return all;
 }
@@ -78,6 +81,9 @@ std::vector<KernelCase> allCases()
 std::vector<KernelTable> kernelTables()
 {
     return {
+        kernelTable(oracle::audioProcs,
+                    {sse2(&audioProcsSse2), avx(&audioProcsAvx, &oracle::audioProcsOfAvx), wideTexts(&audioProcsWide)}),
+        kernelTable(oracle::audioEffects, {sse2(&audioEffectsSse2), wideTexts(&audioEffectsWide)}),
         kernelTable(oracle::colorSpaceProcs,
                     {sse2(&colorSpaceProcsSse2), avx2(&colorSpaceProcsAvx2), wideTexts(&colorSpaceProcsWide)}),
         kernelTable(oracle::memOrderOps, {sse2(&memOrderOpsSse2), avx2(&memOrderOpsAvx2), wideTexts(&memOrderOpsWide)}),
@@ -88,6 +94,7 @@ std::vector<KernelTable> kernelTables()
         kernelTable(oracle::memCompareOps, {sse2(&memCompareOpsSse2), wideTexts(&memCompareOpsWide)}),
         kernelTable(oracle::memMiscOps, {sse2(&memMiscOpsSse2), ssse3(&memMiscOpsSsse3),
                                          avx2(&memMiscOpsAvx2, &oracle::memMiscOpsOfAvx2), wideTexts(&memMiscOpsWide)}),
+        kernelTable(oracle::signalProcs, {sse2(&signalProcsSse2), wideTexts(&signalProcsWide)}),
         kernelTable(oracle::videoProcs, {sse2(&videoProcsSse2), avx2(&videoProcsAvx2), wideTexts(&videoProcsWide)}),
     };
 }
