@@ -455,7 +455,7 @@ inline f64s magnitude(f64s x) { return without(x, splatF64(-0.0)); }
 inline f32s toFloat(i32s x) { return {_mm256_cvtepi32_ps(x.v)}; }
 // Toward zero; INT32_MIN for a NaN and for what 32 bits cannot hold.
 inline i32s truncate(f32s x) { return {_mm256_cvttps_epi32(x.v)}; }
-// To the nearest, ties to even; INT32_MIN.
+// To the nearest, ties to even; likewise INT32_MIN for a NaN and beyond 32 bits.
 inline i32s toNearestEven(f32s x) { return {_mm256_cvtps_epi32(x.v)}; }
 inline i32s truncate(f64s low, f64s high)
 {

@@ -407,6 +407,12 @@ int16_t *returnsTheStart(int16_t *dst, const uint8_t *src, int32_t count)
     return dst;
 }
 
+void forgetsTheUpperHalves(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count)
+{
+    average(dst, a, b, count);
+    fillUpperHalf();
+}
+
 // Reads from sample `first` to so many behind the last one of the count.
 template <int first, int behind> void pickFrom(uint8_t *dst, const uint8_t *src, int32_t stride, int32_t count)
 {
@@ -637,6 +643,15 @@ TEST(KernelCheck, WatchesEveryDestination)
     ASSERT_TRUE(result.finding);
     EXPECT_EQ(result.finding->fault, Fault::wroteOutside);
     EXPECT_NE(result.finding->text.find("argument 1, byte -2"), std::string::npos) << result.finding->text;
+}
+
+TEST(KernelCheck, LooksAtTheUpperHalves)
+{
+    if (!tracksUpperHalves())
+        GTEST_SKIP() << "the processor does not tell, or the build does not care";
+    const CheckResult result = checkKernel(averageCase(), untyped(forgetsTheUpperHalves), untyped(average), {});
+    ASSERT_TRUE(result.finding);
+    EXPECT_EQ(result.finding->fault, Fault::leftRegisters) << result.finding->text;
 }
 
 // A setting that the processor does not have is never tried, and the one it has comes back.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cpuid.h>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -181,6 +182,40 @@ bool isRow(const Argument &argument)
     return argument.kind != Argument::Kind::count && argument.kind != Argument::Kind::number;
 }
 
+// The upper halves of the vector registers, which AVX has. Without AVX there is nothing to clear or to find.
+void clearUpperHalves()
+{
+    if (tracksUpperHalves())
+        __asm__ volatile("vzeroupper");
+}
+
+bool upperHalvesInUse()
+{
+    constexpr std::uint32_t avxState = 1 << 2;
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+    __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(1)); // state that is not as after a reset
+    return low & avxState;
+}
+
+bool findsOutUpperHalves()
+{
+#if defined(NDEBUG)
+    if (VCB_GetCPUInsHigh() < VCB_CPU_AVX)
+        return false;
+    constexpr std::uint32_t hasXgetbv1 = 1 << 2;
+    std::uint32_t a = 0, b = 0, c = 0, d = 0;
+    if (!__get_cpuid_count(0xD, 1, &a, &b, &c, &d) || !(a & hasXgetbv1))
+        return false;
+    fillUpperHalf();
+    const bool filled = upperHalvesInUse();
+    __asm__ volatile("vzeroupper");
+    return filled && !upperHalvesInUse(); // emulators do not tell
+#else
+    return false; // compilers clear them only when they optimise
+#endif
+}
+
 // What g_CPUID says for the time of a trial.
 class PopcntSetting {
 public:
@@ -242,8 +277,15 @@ public:
         Bits theirsReturned = 0;
         {
             const PopcntSetting setting(trial.popcnt);
-            if (!runsWithoutFault([&] { mineReturned = case_.invoke(kernel_, mine.data()); }))
+            bool leftUpperHalves = false;
+            clearUpperHalves();
+            if (!runsWithoutFault([&] {
+                    mineReturned = case_.invoke(kernel_, mine.data());
+                    leftUpperHalves = tracksUpperHalves() && upperHalvesInUse();
+                }))
                 return Finding{Fault::crash, describe(trial, mine)};
+            if (leftUpperHalves)
+                return Finding{Fault::leftRegisters, describe(trial, mine)};
             theirsReturned = case_.invoke(oracle_, theirs.data());
         }
         if (case_.result.kind == Parameter::Kind::row) {
@@ -444,6 +486,17 @@ bool detectedPopcnt()
 
 } // namespace
 
+bool tracksUpperHalves()
+{
+    static const bool tracks = findsOutUpperHalves();
+    return tracks;
+}
+
+void fillUpperHalf()
+{
+    __asm__ volatile("vpcmpeqd %%xmm0, %%xmm0, %%xmm0\n\tvinsertf128 $1, %%xmm0, %%ymm0, %%ymm0" ::: "xmm0");
+}
+
 CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, const CheckPlan &plan)
 {
     if (const auto wrong = contradiction(kernelCase))
@@ -516,6 +569,8 @@ const char *faultName(Fault fault)
         return "changed a source";
     case Fault::wrongReturn:
         return "wrong return value";
+    case Fault::leftRegisters:
+        return "left the upper halves of vector registers in use";
     }
     return "unknown fault";
 }

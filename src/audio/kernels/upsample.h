@@ -7,7 +7,8 @@
 namespace {
 
 constexpr int upsampleTaps = 12;
-constexpr int samplesAhead = 5; // of a position; 6 lie behind it
+constexpr int upsampleHistory = upsampleTaps - 1; // samples beside a position's own
+constexpr int samplesAhead = 5;                   // of these
 
 // The sum of m(0) to m(11).
 struct EvenAndOddTaps {
@@ -34,38 +35,44 @@ template <class Order> inline void upsampleBlock(double *out, const double *x, c
     storeInterleaved(out, phase(0), phase(1), phase(2), phase(3));
 }
 
+// n positions. x has room for a whole last block. Not inlined: all formats share it.
+template <class Order>
+__attribute__((noinline)) void upsampleRun(double *out, double *x, const f64s *taps, double scale, int n)
+{
+    constexpr int lanes = f64s::lanes;
+    int k = 0;
+    for (; k <= n - lanes; k += lanes)
+        upsampleBlock<Order>(out + 4 * k, x + k, taps, splatF64(scale));
+    if (k == n)
+        return;
+    for (int i = n; i < k + lanes; ++i)
+        x[upsampleHistory + i] = 0;
+    double block[4 * lanes];
+    upsampleBlock<Order>(block, x + k, taps, splatF64(scale));
+    for (int i = 0; i < 4 * (n - k); ++i)
+        setElement(out, 4 * k + i, block[i]);
+}
+
 template <class Sample, class Order>
 inline void upsample4(double *out, const void *in, ptrdiff_t stride, const double *coef, int32_t count)
 {
     constexpr int run = 64; // positions whose samples are converted at a time
-    constexpr int history = upsampleTaps - 1;
-    constexpr int lanes = f64s::lanes;
     if (count < 1)
         return;
     f64s taps[4 * upsampleTaps];
     for (int i = 0; i < 4 * upsampleTaps; ++i)
         taps[i] = splatF64(element(coef, i));
-    const f64s scale = splatF64(Sample::scale);
 
     const uint8_t *from = (const uint8_t *)in - samplesAhead * stride;
-    double x[history + run];
-    for (int i = 0; i < history; ++i, from += stride)
+    double x[upsampleHistory + run];
+    for (int i = 0; i < upsampleHistory; ++i, from += stride)
         x[i] = Sample::at(from);
-    for (ptrdiff_t left = count; left > 0; left -= run) {
+    for (ptrdiff_t left = count; left > 0; left -= run, out += 4 * run) {
         const int n = left < run ? (int)left : run;
         for (int i = 0; i < n; ++i, from += stride)
-            x[history + i] = Sample::at(from);
-        int k = 0;
-        for (; k <= n - lanes; k += lanes, out += 4 * lanes)
-            upsampleBlock<Order>(out, x + k, taps, scale);
-        if (k < n) {
-            for (int i = n; i < k + lanes; ++i)
-                x[history + i] = 0;
-            double block[4 * lanes];
-            upsampleBlock<Order>(block, x + k, taps, scale);
-            memcpy(out, block, (size_t)(n - k) * 4 * sizeof(double));
-        }
-        memcpy(x, x + run, history * sizeof(double));
+            x[upsampleHistory + i] = Sample::at(from);
+        upsampleRun<Order>(out, x, taps, Sample::scale, n);
+        memcpy(x, x + run, upsampleHistory * sizeof(double));
     }
 }
 
