@@ -487,19 +487,6 @@ inline f32s toFloat(f64s low, f64s high)
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(low.v)), _mm256_cvtpd_ps(high.v), 1)};
 }
 
-// a0 b0 c0 d0 a1 b1 ...
-inline void storeInterleaved(double *to, f64s a, f64s b, f64s c, f64s d)
-{
-    const __m256d abEven = _mm256_unpacklo_pd(a.v, b.v); // a0 b0 a2 b2
-    const __m256d abOdd = _mm256_unpackhi_pd(a.v, b.v);
-    const __m256d cdEven = _mm256_unpacklo_pd(c.v, d.v);
-    const __m256d cdOdd = _mm256_unpackhi_pd(c.v, d.v);
-    _mm256_storeu_pd(to, _mm256_permute2f128_pd(abEven, cdEven, 0x20));
-    _mm256_storeu_pd(to + 4, _mm256_permute2f128_pd(abOdd, cdOdd, 0x20));
-    _mm256_storeu_pd(to + 8, _mm256_permute2f128_pd(abEven, cdEven, 0x31));
-    _mm256_storeu_pd(to + 12, _mm256_permute2f128_pd(abOdd, cdOdd, 0x31));
-}
-
 // --- Across lanes --------------------------------------------------------------------------------------------
 
 // The lanes below n as they are, +0 in the others.
@@ -525,6 +512,15 @@ inline double sumHalving(f64s x)
 {
     const __m128d two = _mm_add_pd(_mm256_castpd256_pd128(x.v), _mm256_extractf128_pd(x.v, 1));
     return _mm_cvtsd_f64(_mm_add_sd(two, _mm_unpackhi_pd(two, two)));
+}
+
+// The lanes of each added up by halves, times a factor.
+inline void storeSums(double *to, f64s a, f64s b, f64s c, f64s d, double factor)
+{
+    const __m256d ac = _mm256_add_pd(_mm256_permute2f128_pd(a.v, c.v, 0x20), _mm256_permute2f128_pd(a.v, c.v, 0x31));
+    const __m256d bd = _mm256_add_pd(_mm256_permute2f128_pd(b.v, d.v, 0x20), _mm256_permute2f128_pd(b.v, d.v, 0x31));
+    const __m256d abcd = _mm256_add_pd(_mm256_unpacklo_pd(ac, bd), _mm256_unpackhi_pd(ac, bd));
+    _mm256_storeu_pd(to, _mm256_mul_pd(abcd, _mm256_set1_pd(factor)));
 }
 
 inline float largest(f32s x)

@@ -406,15 +406,6 @@ inline i32s loadTop16(const uint8_t *from)
 inline void storeAsFloats(float *to, f64s x) { _mm_storel_epi64((__m128i *)to, _mm_castps_si128(_mm_cvtpd_ps(x.v))); }
 inline f32s toFloat(f64s low, f64s high) { return {_mm_movelh_ps(_mm_cvtpd_ps(low.v), _mm_cvtpd_ps(high.v))}; }
 
-// a0 b0 c0 d0 a1 b1 ...
-inline void storeInterleaved(double *to, f64s a, f64s b, f64s c, f64s d)
-{
-    _mm_storeu_pd(to, _mm_unpacklo_pd(a.v, b.v));
-    _mm_storeu_pd(to + 2, _mm_unpacklo_pd(c.v, d.v));
-    _mm_storeu_pd(to + 4, _mm_unpackhi_pd(a.v, b.v));
-    _mm_storeu_pd(to + 6, _mm_unpackhi_pd(c.v, d.v));
-}
-
 // --- Across lanes --------------------------------------------------------------------------------------------
 
 // The lanes below n as they are, +0 in the others.
@@ -436,6 +427,15 @@ inline float sumHalving(f32s x)
     return _mm_cvtss_f32(_mm_add_ss(two, _mm_shuffle_ps(two, two, 1)));
 }
 inline double sumHalving(f64s x) { return _mm_cvtsd_f64(_mm_add_sd(x.v, _mm_unpackhi_pd(x.v, x.v))); }
+
+// The lanes of each added up by halves, times a factor.
+inline void storeSums(double *to, f64s a, f64s b, f64s c, f64s d, double factor)
+{
+    const f64s ab = {_mm_add_pd(_mm_unpacklo_pd(a.v, b.v), _mm_unpackhi_pd(a.v, b.v))};
+    const f64s cd = {_mm_add_pd(_mm_unpacklo_pd(c.v, d.v), _mm_unpackhi_pd(c.v, d.v))};
+    store(to, ab * splatF64(factor));
+    store(to + 2, cd * splatF64(factor));
+}
 
 inline float largest(f32s x)
 {

@@ -65,7 +65,10 @@ TierKernels avx2(const void *table, const void *oracle = nullptr)
 }
 
 // Every kernel text compiled for AVX2, whether or not the library ships it there: proves the wide vocabulary.
-TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, table}; }
+TierKernels wideTexts(const void *table, const void *oracle = nullptr)
+{
+    return {"wide", VCB_CPU_AVX2, 0, table, oracle};
+}
 
 } // namespace
 
@@ -81,8 +84,8 @@ std::vector<KernelCase> allCases()
 std::vector<KernelTable> kernelTables()
 {
     return {
-        kernelTable(oracle::audioProcs,
-                    {sse2(&audioProcsSse2), avx(&audioProcsAvx, &oracle::audioProcsOfAvx), wideTexts(&audioProcsWide)}),
+        kernelTable(oracle::audioProcs, {sse2(&audioProcsSse2), avx(&audioProcsAvx, &oracle::audioProcsOfAvx),
+                                         wideTexts(&audioProcsWide, &oracle::audioProcsOfAvx)}),
         kernelTable(oracle::audioEffects, {sse2(&audioEffectsSse2), wideTexts(&audioEffectsWide)}),
         kernelTable(oracle::colorSpaceProcs,
                     {sse2(&colorSpaceProcsSse2), avx2(&colorSpaceProcsAvx2), wideTexts(&colorSpaceProcsWide)}),

@@ -70,7 +70,7 @@ inline double slidingDot(const double *sig, const double *h, ptrdiff_t taps)
     return _mm_cvtsd_f64(sum);
 }
 
-// Whole registers of outputs end with one that overlaps the one before; fewer outputs go one by one.
+// The last block, or register where one is enough, overlaps the one before; fewer outputs than lanes go one by one.
 template <class Vector, int group, class Real>
 inline void slidingDotRow(Real *out, const Real *sig, const Real *h, ptrdiff_t taps, ptrdiff_t n)
 {
@@ -87,6 +87,10 @@ inline void slidingDotRow(Real *out, const Real *sig, const Real *h, ptrdiff_t t
     }
     for (; r <= n - size; r += size)
         slidingDots<Vector, group, registers>(out + r, sig + r, h, taps);
+    if (n >= size && n - r > lanes) {
+        slidingDots<Vector, group, registers>(out + n - size, sig + n - size, h, taps);
+        return;
+    }
     for (; r < n; r += lanes) {
         const ptrdiff_t at = r < n - lanes ? r : n - lanes;
         slidingDots<Vector, group, 1>(out + at, sig + at, h, taps);
