@@ -212,7 +212,7 @@ TEST(AudioMix, AllSamples)
             std::vector<int32_t> words(65536);
             for (std::size_t i = 0; i < samples.size(); ++i) {
                 samples[i] = static_cast<int16_t>(i);
-                words[i] = samples[i] * 65537;
+                words[i] = static_cast<int32_t>(65537u * static_cast<uint32_t>(i));
             }
             for (const int corner : corners) {
                 std::vector<int16_t> sums(samples.size(), static_cast<int16_t>(corner));

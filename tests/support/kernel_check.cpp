@@ -182,12 +182,8 @@ bool isRow(const Argument &argument)
     return argument.kind != Argument::Kind::count && argument.kind != Argument::Kind::number;
 }
 
-// The upper halves of the vector registers, which AVX has. Without AVX there is nothing to clear or to find.
-void clearUpperHalves()
-{
-    if (tracksUpperHalves())
-        __asm__ volatile("vzeroupper");
-}
+// The upper halves of the vector registers, which AVX has.
+void clearUpperHalves() { __asm__ volatile("vzeroupper"); }
 
 bool upperHalvesInUse()
 {
@@ -209,7 +205,7 @@ bool findsOutUpperHalves()
         return false;
     fillUpperHalf();
     const bool filled = upperHalvesInUse();
-    __asm__ volatile("vzeroupper");
+    clearUpperHalves();
     return filled && !upperHalvesInUse(); // emulators do not tell
 #else
     return false; // compilers clear them only when they optimise
@@ -230,8 +226,10 @@ private:
 
 class Checker {
 public:
-    Checker(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, std::int64_t largestCount)
-        : case_(kernelCase), kernel_(kernel), oracle_(oracle), rows_(case_.arguments.size())
+    Checker(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, std::int64_t largestCount,
+            bool upperHalves)
+        : case_(kernelCase), kernel_(kernel), oracle_(oracle), upperHalves_(upperHalves && tracksUpperHalves()),
+          rows_(case_.arguments.size())
     {
         for (std::size_t i = 0; i < rows_.size(); ++i) {
             const Argument &argument = case_.arguments[i];
@@ -278,10 +276,11 @@ public:
         {
             const PopcntSetting setting(trial.popcnt);
             bool leftUpperHalves = false;
-            clearUpperHalves();
+            if (upperHalves_)
+                clearUpperHalves();
             if (!runsWithoutFault([&] {
                     mineReturned = case_.invoke(kernel_, mine.data());
-                    leftUpperHalves = tracksUpperHalves() && upperHalvesInUse();
+                    leftUpperHalves = upperHalves_ && upperHalvesInUse();
                 }))
                 return Finding{Fault::crash, describe(trial, mine)};
             if (leftUpperHalves)
@@ -439,6 +438,7 @@ private:
     const KernelCase &case_;
     VcbKernel kernel_;
     VcbKernel oracle_;
+    bool upperHalves_;
     std::vector<Rows> rows_;
 };
 
@@ -506,7 +506,7 @@ CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKerne
     const std::vector<std::int64_t> longer = longCounts(random);
     const bool returns = kernelCase.result.size != 0 && kernelCase.result.kind == Parameter::Kind::value;
     Checker checker(kernelCase, kernel, oracle,
-                    returns ? overflowingCount : *std::max_element(longer.begin(), longer.end()));
+                    returns ? overflowingCount : *std::max_element(longer.begin(), longer.end()), plan.upperHalves);
 
     std::vector<SharedRows> places{{}};
     places.insert(places.end(), kernelCase.shared.begin(), kernelCase.shared.end());

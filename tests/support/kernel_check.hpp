@@ -20,6 +20,7 @@ struct CheckPlan {
     std::uint64_t seed = 1;
     std::int64_t everyCountUpTo = 140; // all counts to here: several blocks of the widest tier
     bool quick = false;                // a share of the placements and fills of each count, for emulators
+    bool upperHalves = true;           // look at them too
 };
 
 struct CheckResult {

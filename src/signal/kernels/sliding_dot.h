@@ -8,8 +8,11 @@ namespace {
 template <class Vector> inline Vector joinPartialSums(const Vector (&p)[4]) { return (p[0] + p[2]) + (p[1] + p[3]); }
 template <class Vector> inline Vector joinPartialSums(const Vector (&p)[2]) { return p[0] + p[1]; }
 
-inline f32s splatElement(const float *from) { return splatF32(loadPiece<float>((const uint8_t *)from)); }
-inline f64s splatElement(const double *from) { return splatF64(loadPiece<double>((const uint8_t *)from)); }
+// Arrays need no alignment.
+inline float element(const float *from) { return loadPiece<float>((const uint8_t *)from); }
+inline double element(const double *from) { return loadPiece<double>((const uint8_t *)from); }
+inline f32s splatElement(const float *from) { return splatF32(element(from)); }
+inline f64s splatElement(const double *from) { return splatF64(element(from)); }
 
 // `registers` registers of outputs; taps in groups of `group`.
 template <class Vector, int group, int registers, class Real>
@@ -53,10 +56,10 @@ inline float slidingDot(const float *sig, const float *h, ptrdiff_t taps)
     for (; k <= taps - 4; k += 4)
         p = _mm_add_ps(p, _mm_mul_ps(_mm_loadu_ps(sig + k), _mm_loadu_ps(h + k)));
     const __m128 two = _mm_add_ps(p, _mm_movehl_ps(p, p));
-    __m128 sum = _mm_add_ss(two, _mm_shuffle_ps(two, two, 1));
+    float sum = _mm_cvtss_f32(_mm_add_ss(two, _mm_shuffle_ps(two, two, 1)));
     for (; k < taps; ++k)
-        sum = _mm_add_ss(sum, _mm_mul_ss(_mm_load_ss(sig + k), _mm_load_ss(h + k)));
-    return _mm_cvtss_f32(sum);
+        sum += element(sig + k) * element(h + k);
+    return sum;
 }
 inline double slidingDot(const double *sig, const double *h, ptrdiff_t taps)
 {
@@ -64,10 +67,10 @@ inline double slidingDot(const double *sig, const double *h, ptrdiff_t taps)
     ptrdiff_t k = 0;
     for (; k <= taps - 2; k += 2)
         p = _mm_add_pd(p, _mm_mul_pd(_mm_loadu_pd(sig + k), _mm_loadu_pd(h + k)));
-    __m128d sum = _mm_add_sd(p, _mm_unpackhi_pd(p, p));
+    double sum = _mm_cvtsd_f64(_mm_add_sd(p, _mm_unpackhi_pd(p, p)));
     if (k < taps)
-        sum = _mm_add_sd(sum, _mm_mul_sd(_mm_load_sd(sig + k), _mm_load_sd(h + k)));
-    return _mm_cvtsd_f64(sum);
+        sum += element(sig + k) * element(h + k);
+    return sum;
 }
 
 // The last block, or register where one is enough, overlaps the one before; fewer outputs than lanes go one by one.
