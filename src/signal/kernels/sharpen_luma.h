@@ -159,10 +159,13 @@ template <class Layout> struct SharpenLuma {
     }
     void put(ptrdiff_t i, Sample sharp) const
     {
-        uint8_t pixel[unit];
-        memcpy(pixel, row + i * unit, unit);
-        memcpy(pixel + Layout::luma * (ptrdiff_t)sizeof(Sample), &sharp, sizeof(sharp));
-        memcpy(out + i * unit, pixel, unit);
+        constexpr ptrdiff_t luma = Layout::luma * (ptrdiff_t)sizeof(Sample);
+        if constexpr (unit > (ptrdiff_t)sizeof(Sample)) {
+            constexpr ptrdiff_t chroma = (ptrdiff_t)sizeof(Sample) - luma;
+            const Sample kept = loadPiece<Sample>(row + i * unit + chroma);
+            memcpy(out + i * unit + chroma, &kept, sizeof(kept));
+        }
+        memcpy(out + i * unit + luma, &sharp, sizeof(sharp));
     }
 
     void runOneByOne() const

@@ -14,13 +14,12 @@ inline double element(const double *from) { return loadPiece<double>((const uint
 inline f32s splatElement(const float *from) { return splatF32(element(from)); }
 inline f64s splatElement(const double *from) { return splatF64(element(from)); }
 
-// `registers` registers of outputs; taps in groups of `group`.
+// `registers` registers of outputs so far apart; taps in groups of `group`.
 template <class Vector, int group, int registers, class Real>
-inline void slidingDots(Real *out, const Real *sig, const Real *h, ptrdiff_t taps)
+inline void slidingDots(Real *out, const Real *sig, const Real *h, ptrdiff_t taps, ptrdiff_t apart = Vector::lanes)
 {
-    constexpr int lanes = Vector::lanes;
     Vector p[registers][group] = {};
-    const auto product = [=](auto v, ptrdiff_t k, Vector tap) { return load<Vector>(sig + k + v * lanes) * tap; };
+    const auto product = [=](auto v, ptrdiff_t k, Vector tap) { return load<Vector>(sig + k + v * apart) * tap; };
     ptrdiff_t k = 0;
     for (; k <= taps - group; k += group)
         forConstants<group>([&](auto j) {
@@ -43,7 +42,7 @@ inline void slidingDots(Real *out, const Real *sig, const Real *h, ptrdiff_t tap
         });
     }
     forConstants<registers>([&](auto v) {
-        store(out + v * lanes, sums[v]);
+        store(out + v * apart, sums[v]);
         return true;
     });
 }
@@ -73,7 +72,8 @@ inline double slidingDot(const double *sig, const double *h, ptrdiff_t taps)
     return sum;
 }
 
-// The last block, or register where one is enough, overlaps the one before; fewer outputs than lanes go one by one.
+// The last block overlaps the one before: a whole one, or two registers where that is enough, which in short rows
+// overlap each other. Fewer outputs than lanes go one by one.
 template <class Vector, int group, class Real>
 inline void slidingDotRow(Real *out, const Real *sig, const Real *h, ptrdiff_t taps, ptrdiff_t n)
 {
@@ -88,15 +88,19 @@ inline void slidingDotRow(Real *out, const Real *sig, const Real *h, ptrdiff_t t
         }
         return;
     }
+    if (n < 2 * lanes) {
+        slidingDots<Vector, group, 2>(out, sig, h, taps, n - lanes);
+        return;
+    }
     for (; r <= n - size; r += size)
         slidingDots<Vector, group, registers>(out + r, sig + r, h, taps);
-    if (n >= size && n - r > lanes) {
+    if (n >= size && n - r > 2 * lanes) {
         slidingDots<Vector, group, registers>(out + n - size, sig + n - size, h, taps);
         return;
     }
-    for (; r < n; r += lanes) {
-        const ptrdiff_t at = r < n - lanes ? r : n - lanes;
-        slidingDots<Vector, group, 1>(out + at, sig + at, h, taps);
+    for (; r < n; r += 2 * lanes) {
+        const ptrdiff_t at = r < n - 2 * lanes ? r : n - 2 * lanes;
+        slidingDots<Vector, group, 2>(out + at, sig + at, h, taps);
     }
 }
 
