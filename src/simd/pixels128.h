@@ -61,7 +61,11 @@ inline u8s splitPairs(u8s x)
 {
     return {_mm_packus_epi16(_mm_and_si128(x.v, _mm_set1_epi16(0xFF)), _mm_srli_epi16(x.v, 8))};
 }
-inline u16s splitPairs(u16s x) { return {_mm_shuffle_epi32(orderFours<0, 2, 1, 3>(x).v, _MM_SHUFFLE(3, 1, 2, 0))}; }
+inline u16s splitPairs(u16s x)
+{
+    const u16s fours = orderFours<0, 2, 1, 3>(x);
+    return {_mm_shuffle_epi32(fours.v, _MM_SHUFFLE(3, 1, 2, 0))};
+}
 
 // a0 b0 a2 b2 ... and a1 b1 a3 b3 ...: applied to their own results they give a and b back.
 inline u8s pairEvens(u8s a, u8s b)
@@ -314,6 +318,7 @@ struct ShiftCount {
     __m128i v;
 };
 inline ShiftCount shiftCount(int bits) { return {_mm_cvtsi32_si128(bits)}; }
+inline i16s shiftRight(i16s x, ShiftCount bits) { return {_mm_sra_epi16(x.v, bits.v)}; }
 inline i32s shiftRight(i32s x, ShiftCount bits) { return {_mm_sra_epi32(x.v, bits.v)}; }
 
 } // namespace

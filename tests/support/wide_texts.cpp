@@ -2,6 +2,10 @@
 
 #include "simd/loops.h"
 
+#include "audio/kernels/biquad.h"
+#include "audio/kernels/effects.h"
+#include "audio/kernels/mix.h"
+#include "audio/kernels/upsample.h"
 #include "colorspace/kernels/bt2020.h"
 #include "colorspace/kernels/conversions.h"
 #include "colorspace/kernels/hsv_planes.h"
@@ -14,10 +18,23 @@
 #include "matrix/kernels/products.h"
 #include "matrix/kernels/vectors.h"
 #include "mem/kernels.h"
+#include "signal/kernels/magnitude.h"
+#include "signal/kernels/sharpen_luma.h"
+#include "signal/kernels/sliding_dot.h"
 #include "video/kernels/sharpen_bytes.h"
 #include "video/kernels/smooth.h"
 
 #include "support/wide_texts.hpp"
+
+#define VELA_SUBTABLE_LIST "vela/slots/audio_procs.def"
+extern constinit const VcbAudioProcs vela::test::audioProcsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/audio_effects.def"
+extern constinit const VcbAudioEffects vela::test::audioEffectsWide = {
+#include "frame/every_slot.h"
+};
 
 #define VELA_SUBTABLE_LIST "vela/slots/color_space_procs.def"
 extern constinit const VcbColorSpaceProcs vela::test::colorSpaceProcsWide = {
@@ -56,6 +73,11 @@ extern constinit const VcbMemCompareOps vela::test::memCompareOpsWide = {
 
 #define VELA_SUBTABLE_LIST "vela/slots/mem_misc_ops.def"
 extern constinit const VcbMemMiscOps vela::test::memMiscOpsWide = {
+#include "frame/every_slot.h"
+};
+
+#define VELA_SUBTABLE_LIST "vela/slots/signal_procs.def"
+extern constinit const VcbSignalProcs vela::test::signalProcsWide = {
 #include "frame/every_slot.h"
 };
 

@@ -124,9 +124,11 @@ template <class Vector> inline auto sumHalving(Moments<Vector> s)
 inline float squareRoot(float x) { return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set_ss(x))); }
 inline double squareRoot(double x) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(x))); }
 
-// The lanes are few: on 256-bit registers each sum has one, and the latency of its additions bounds the loop.
+// The lanes are few: on 256-bit registers each sum has one, and the latency of its additions bounds the loop. Inlined
+// by force: GCC 12 does not clear the upper halves of registers behind a call that takes some.
 template <int lanes, class Vector, class Value>
-inline Value deviationSums(Value *sums, const Value *a, const Value *b, Vector meanA, Vector meanB, uint64_t count)
+__attribute__((always_inline)) inline Value deviationSums(Value *sums, const Value *a, const Value *b, Vector meanA,
+                                                          Vector meanB, uint64_t count)
 {
     if (count == 0)
         return 0;
