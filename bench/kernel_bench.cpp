@@ -38,7 +38,9 @@ public:
          const Options &options)
         : label_(table.label), caseName_(test::caseName(table, kernelCase)), slot_(kernelCase.slot), tier_(tier.name),
           case_(kernelCase), kernel_(kernelAt(tier.table, kernelCase.slot)), oracle_(oracle),
-          count_(options.count ? options.count : countFor(kernelCase, options.rowBytes))
+          count_(!takesCount(kernelCase) ? 1
+                 : options.count         ? options.count
+                                         : countFor(kernelCase, options.rowBytes))
     {
         std::mt19937_64 random(1);
         for (std::size_t i = 0; i < case_.arguments.size(); ++i) {
@@ -54,7 +56,7 @@ public:
                 arguments_.push_back(toBits(makeRows(i, random)));
                 break;
             default:
-                arguments_.push_back(toBits(makeRow(i, argument.items ? itemsOf(argument) : 1, random)));
+                arguments_.push_back(toBits(makeRow(i, itemsOf(argument), random)));
             }
         }
     }
@@ -80,19 +82,38 @@ public:
     std::int64_t bytes() const { return bytes_; } // of rows that the count lengthens, read and written by a call
 
 private:
+    static bool takesCount(const KernelCase &kernelCase)
+    {
+        return std::any_of(kernelCase.arguments.begin(), kernelCase.arguments.end(),
+                           [](const Argument &argument) { return argument.kind == Argument::Kind::count; });
+    }
+
     // The count that makes the largest row about as long as asked. Look-up tables have their own length.
-    static std::int64_t countFor(const KernelCase &kernelCase, std::int64_t rowBytes)
+    std::int64_t countFor(const KernelCase &kernelCase, std::int64_t rowBytes) const
     {
         constexpr std::int64_t probe = 9600;
         std::int64_t largest = 1;
         for (const Argument &argument : kernelCase.arguments)
-            if (argument.bytes)
-                largest = std::max(largest, argument.bytes(2 * probe) - argument.bytes(probe));
+            if (isRow(argument))
+                largest = std::max(largest, growth(argument, probe));
         return std::max<std::int64_t>(rowBytes * probe / largest, 1);
+    }
+
+    static bool isRow(const Argument &argument) { return argument.bytes || argument.span; }
+
+    // The bytes that a row gains when the count doubles.
+    std::int64_t growth(const Argument &argument, std::int64_t count) const
+    {
+        const std::int64_t items = argument.kind == Argument::Kind::sourceRows ? 1 : itemsOf(argument);
+        const Span shorter = spanOf(argument, count, items);
+        const Span longer = spanOf(argument, 2 * count, items);
+        return longer.before + longer.bytes - shorter.before - shorter.bytes;
     }
 
     std::int64_t itemsOf(const Argument &argument) const
     {
+        if (!argument.items)
+            return 1;
         const std::size_t items = *argument.items;
         return integerOf(case_.arguments[items].values.back(), case_.parameters[items]);
     }
@@ -111,22 +132,23 @@ private:
         if (case_.timedOnEqualRows)
             random.seed(1);
         const Argument &argument = case_.arguments[i];
-        const std::int64_t bytes = items * argument.bytes(count_);
-        if (argument.bytes(2 * count_) > argument.bytes(count_))
-            bytes_ += bytes;
-        auto &row = rows_.emplace_back(static_cast<std::size_t>(argument.before + bytes + argument.after) + 256);
-        const auto address = reinterpret_cast<std::uintptr_t>(row.data() + argument.before);
-        std::uint8_t *start = row.data() + argument.before + (alignment - address % alignment) % alignment;
+        const Span span = spanOf(argument, count_, items);
+        const std::int64_t whole = span.before + span.bytes + span.after;
+        if (growth(argument, count_) > 0)
+            bytes_ += span.bytes;
+        auto &row = rows_.emplace_back(static_cast<std::size_t>(whole) + 256);
+        const auto address = reinterpret_cast<std::uintptr_t>(row.data() + span.before);
+        std::uint8_t *start = row.data() + span.before + (alignment - address % alignment) % alignment;
         switch (case_.parameters[i].element) {
         case Element::integer:
-            for (std::uint8_t *byte = start - argument.before; byte != row.data() + row.size(); ++byte)
+            for (std::uint8_t *byte = start - span.before; byte != row.data() + row.size(); ++byte)
                 *byte = static_cast<std::uint8_t>(random());
             break;
         case Element::float32:
-            fillWithAudio<float>(start - argument.before, argument.before + bytes + argument.after, random);
+            fillWithAudio<float>(start - span.before, whole, random);
             break;
         case Element::float64:
-            fillWithAudio<double>(start - argument.before, argument.before + bytes + argument.after, random);
+            fillWithAudio<double>(start - span.before, whole, random);
             break;
         }
         if (argument.largest) // top bytes small enough for any limit that a case sets
@@ -227,7 +249,7 @@ private:
 struct OracleBuild {
     VcbCpuLevel needs;
     std::map<std::type_index, const void *> tables;
-    std::map<std::type_index, const void *> ofAvx2; // as TierKernels::oracle
+    std::map<std::type_index, const void *> ofTier; // as TierKernels::oracle
 };
 
 #define TABLE_OF_BUILD(type, name) {typeid(type), &name},
@@ -235,18 +257,20 @@ struct OracleBuild {
     OracleBuild build##Tables()                                                                \
     {                                                                                          \
         using namespace build;                                                                 \
-        return {level, {ORACLE_TABLES(TABLE_OF_BUILD)}, {AVX2_ORACLE_TABLES(TABLE_OF_BUILD)}}; \
+        return {level, {ORACLE_TABLES(TABLE_OF_BUILD)}, {TIER_ORACLE_TABLES(TABLE_OF_BUILD)}}; \
     }
 ORACLE_BUILD(oracleSSE2, VCB_CPU_SSE2)
 ORACLE_BUILD(oracleSSSE3, VCB_CPU_SSSE3)
+ORACLE_BUILD(oracleAVX, VCB_CPU_AVX)
 ORACLE_BUILD(oracleAVX2, VCB_CPU_AVX2)
 
 VcbKernel oracleFor(const KernelTable &table, const TierKernels &tier, std::size_t slot)
 {
-    static const OracleBuild builds[] = {oracleAVX2Tables(), oracleSSSE3Tables(), oracleSSE2Tables()}; // best first
+    static const OracleBuild builds[] = {oracleAVX2Tables(), oracleAVXTables(), oracleSSSE3Tables(),
+                                         oracleSSE2Tables()}; // best first
     const OracleBuild &build = *std::find_if(std::begin(builds), std::end(builds) - 1,
                                              [&](const OracleBuild &b) { return tier.needs >= b.needs; });
-    return oracleAt(build.tables.at(table.type), tier.oracle ? build.ofAvx2.at(table.type) : nullptr, slot);
+    return oracleAt(build.tables.at(table.type), tier.oracle ? build.ofTier.at(table.type) : nullptr, slot);
 }
 
 int bench(const Options &options)

@@ -6,10 +6,10 @@
  *                 every slot that is still null, and never changes a slot that is set. Start with zeroed
  *                 tables; put functions of your own into slots that you want to keep.
  *  2. Arguments.  Destinations, then sources, then the count or width, then parameters; in the memory family the
- *                 count comes last.
+ *                 count comes last, in covariances each source is followed by its mean.
  *  3. Counts.     The type and unit of a count stand in the slot's line. A count of zero writes nothing; so
  *                 does a negative count where the count is signed.
- *  4. Alignment.  Pointers to rows need no alignment, whatever their type. Mat4 and Vec4 need 16 bytes.
+ *  4. Alignment.  Pointers to rows need no alignment, whatever their type. VcbMat4 and VcbVec4 need 16 bytes.
  *  5. Memory.     A kernel reads and writes only what its slot's line names. Rows may not overlap unless
  *                 the line allows it.
  *  6. Threads.    Kernels keep no state: call them from as many threads as you like over disjoint rows.

@@ -1,4 +1,18 @@
-/* Array dot products, norms, statistics, 3-vectors. */
+/*
+ * Array dot products, norms, statistics, 3-vectors.
+ *
+ * Conventions of the family, besides those of vela/base.h. They hold for every slot unless its line says otherwise.
+ *   Counts     in elements. A count of 0, or a negative one where the type is signed, writes nothing and returns 0.
+ *   Alignment  none, for 3-vectors and matrices too.
+ *   Overlap    an output may be the very row or object that its line names, and else overlaps no input; inputs may
+ *              overlap.
+ *   Floats     every operation that is written rounds once, to nearest even, in the order of the formula; so does the
+ *              conversion of a count, and sqrt(). Bits do not depend on the width of registers, but for sign and
+ *              payload of a NaN.
+ *   Threshold  2^-23, the machine epsilon of float, 1.1920929e-7f: exact in float and in double.
+ *   Estimates  are the processor's own (rcpps, rsqrtps), about 12 bits, without a step of refinement. They are the same
+ *              bits on one processor; another maker's may differ.
+ */
 #ifndef VELA_MATH3D_H
 #define VELA_MATH3D_H
 
@@ -7,6 +21,13 @@
 #if defined(__cplusplus)
 extern "C" {
 #endif
+
+/* Three consecutive floats. */
+typedef struct VcbVec3 {
+    float x, y, z;
+} VcbVec3;
+
+VCB_STATIC_ASSERT(sizeof(VcbVec3) == 12, "three consecutive floats");
 
 #define VELA_SUBTABLE Vcb3DMathArrays
 #define VELA_SUBTABLE_LIST "vela/slots/math3d_arrays.def"

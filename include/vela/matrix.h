@@ -1,4 +1,15 @@
-/* 4x4 matrices and 4-vectors in single precision. */
+/*
+ * 4x4 matrices and 4-vectors in single precision.
+ *
+ * Conventions of the family, besides those of vela/base.h. They hold for every slot unless its line says otherwise.
+ *   Alignment  matrices and vectors lie at multiples of 16 bytes.
+ *   Overlap    an output may be the very object that its line names, and else overlaps no input; inputs may overlap.
+ *   Floats     every operation that is written rounds once, to nearest even, in the order of the formula. Tiers give
+ *              the same bits, but for sign and payload of a NaN.
+ *   Threshold  2^-23, the machine epsilon of float, 1.1920929e-7f: where a difference or divisor counts as zero. The
+ *              comparison is one of floats.
+ *   Results    kernels that write return their output.
+ */
 #ifndef VELA_MATRIX_H
 #define VELA_MATRIX_H
 
@@ -6,7 +17,23 @@
 
 #if defined(__cplusplus)
 extern "C" {
+#define VELA_ALIGNED_16 alignas(16)
+#else
+#define VELA_ALIGNED_16 _Alignas(16)
 #endif
+
+/* Four rows of four, row after row. */
+typedef struct VcbMat4 {
+    VELA_ALIGNED_16 float m[4][4];
+} VcbMat4;
+
+typedef struct VcbVec4 {
+    VELA_ALIGNED_16 float v[4];
+} VcbVec4;
+
+#undef VELA_ALIGNED_16
+
+VCB_STATIC_ASSERT(sizeof(VcbMat4) == 64 && sizeof(VcbVec4) == 16, "arrays of floats");
 
 #define VELA_SUBTABLE VcbMatrixProcs
 #define VELA_SUBTABLE_LIST "vela/slots/matrix_procs.def"

@@ -1,6 +1,13 @@
-#include "frame/cpu.hpp"
+#include "audio/tiers.hpp"
+#include "frame/registration.hpp"
 
-#include <vela/audio.h>
-
-// No tier has kernels for this family yet: slots stay as the host set them.
-extern "C" void VCB_CALL VCB_RegAudioEffectProc(VcbAudioEffectTables * /*tables*/) noexcept { vela::frame::cpuLevel(); }
+extern "C" void VCB_CALL VCB_RegAudioEffectProc(VcbAudioEffectTables *tables) noexcept
+{
+    using vela::frame::Tier;
+    static constexpr Tier<VcbAudioEffects> audioEffects[] = {
+        {VCB_CPU_SSE2, &vela::audioEffectsSse2},
+    };
+    vela::frame::cpuLevel();
+    if (tables)
+        vela::frame::registerSubTable(tables->audioEffects, audioEffects);
+}

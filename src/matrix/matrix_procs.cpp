@@ -1,6 +1,20 @@
-#include "frame/cpu.hpp"
+#include "frame/registration.hpp"
+#include "matrix/tiers.hpp"
 
-#include <vela/matrix.h>
-
-// No tier has kernels for this family yet: slots stay as the host set them.
-extern "C" void VCB_CALL VCB_RegMatrixProc(VcbMatrixProcTables * /*tables*/) noexcept { vela::frame::cpuLevel(); }
+extern "C" void VCB_CALL VCB_RegMatrixProc(VcbMatrixProcTables *tables) noexcept
+{
+    using vela::frame::registerSubTable;
+    using vela::frame::Tier;
+    static constexpr Tier<VcbMatrixProcs> matrix[] = {
+        {VCB_CPU_AVX2, &vela::matrixProcsAvx2},
+        {VCB_CPU_SSE2, &vela::matrixProcsSse2},
+    };
+    static constexpr Tier<VcbVectorProcs> vector[] = {
+        {VCB_CPU_SSE2, &vela::vectorProcsSse2},
+    };
+    vela::frame::cpuLevel();
+    if (!tables)
+        return;
+    registerSubTable(tables->matrix, matrix);
+    registerSubTable(tables->vector, vector);
+}

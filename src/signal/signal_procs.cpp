@@ -1,6 +1,13 @@
-#include "frame/cpu.hpp"
+#include "frame/registration.hpp"
+#include "signal/tiers.hpp"
 
-#include <vela/signal.h>
-
-// No tier has kernels for this family yet: slots stay as the host set them.
-extern "C" void VCB_CALL VCB_RegSignalProc(VcbSignalProcTables * /*tables*/) noexcept { vela::frame::cpuLevel(); }
+extern "C" void VCB_CALL VCB_RegSignalProc(VcbSignalProcTables *tables) noexcept
+{
+    using vela::frame::Tier;
+    static constexpr Tier<VcbSignalProcs> signal[] = {
+        {VCB_CPU_SSE2, &vela::signalProcsSse2},
+    };
+    vela::frame::cpuLevel();
+    if (tables)
+        vela::frame::registerSubTable(tables->signal, signal);
+}

@@ -439,12 +439,16 @@ inline f32s smaller(f32s a, f32s b) { return {_mm256_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm256_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm256_min_pd(a.v, b.v)}; }
 
+inline f64s squareRoot(f64s x) { return {_mm256_sqrt_pd(x.v)}; }
+
 inline f32s greater(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GT_OS)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OS)}; }
 
 // To 12 bits, processors differ; infinity for 0.
 inline f32s approximateReciprocal(f32s x) { return {_mm256_rcp_ps(x.v)}; }
+// The same of doubles, by way of floats.
+inline f64s approximateReciprocal(f64s x) { return {_mm256_cvtps_pd(_mm_rcp_ps(_mm256_cvtpd_ps(x.v)))}; }
 
 inline f32s signBits(f32s x) { return x & splatF32(-0.0f); }
 inline f64s signBits(f64s x) { return x & splatF64(-0.0); }
@@ -454,6 +458,8 @@ inline f64s magnitude(f64s x) { return without(x, splatF64(-0.0)); }
 inline f32s toFloat(i32s x) { return {_mm256_cvtepi32_ps(x.v)}; }
 // Toward zero; INT32_MIN for a NaN and for what 32 bits cannot hold.
 inline i32s truncate(f32s x) { return {_mm256_cvttps_epi32(x.v)}; }
+// To the nearest, ties to even; likewise INT32_MIN for a NaN and beyond 32 bits.
+inline i32s toNearestEven(f32s x) { return {_mm256_cvtps_epi32(x.v)}; }
 inline i32s truncate(f64s low, f64s high)
 {
     return {
@@ -516,6 +522,15 @@ inline double sumHalving(f64s x)
 {
     const __m128d two = _mm_add_pd(_mm256_castpd256_pd128(x.v), _mm256_extractf128_pd(x.v, 1));
     return _mm_cvtsd_f64(_mm_add_sd(two, _mm_unpackhi_pd(two, two)));
+}
+
+// The lanes of each added up by halves, times a factor.
+inline void storeSums(double *to, f64s a, f64s b, f64s c, f64s d, double factor)
+{
+    const __m256d ac = _mm256_add_pd(_mm256_permute2f128_pd(a.v, c.v, 0x20), _mm256_permute2f128_pd(a.v, c.v, 0x31));
+    const __m256d bd = _mm256_add_pd(_mm256_permute2f128_pd(b.v, d.v, 0x20), _mm256_permute2f128_pd(b.v, d.v, 0x31));
+    const __m256d abcd = _mm256_add_pd(_mm256_unpacklo_pd(ac, bd), _mm256_unpackhi_pd(ac, bd));
+    _mm256_storeu_pd(to, _mm256_mul_pd(abcd, _mm256_set1_pd(factor)));
 }
 
 inline float largest(f32s x)

@@ -338,6 +338,7 @@ struct ShiftCount {
     __m128i v;
 };
 inline ShiftCount shiftCount(int bits) { return {_mm_cvtsi32_si128(bits)}; }
+inline i16s shiftRight(i16s x, ShiftCount bits) { return {_mm_sra_epi16(x.v, bits.v)}; }
 inline i32s shiftRight(i32s x, ShiftCount bits) { return {_mm_sra_epi32(x.v, bits.v)}; }
 
 } // namespace

@@ -353,12 +353,16 @@ inline f32s smaller(f32s a, f32s b) { return {_mm_min_ps(a.v, b.v)}; }
 inline f64s larger(f64s a, f64s b) { return {_mm_max_pd(a.v, b.v)}; }
 inline f64s smaller(f64s a, f64s b) { return {_mm_min_pd(a.v, b.v)}; }
 
+inline f64s squareRoot(f64s x) { return {_mm_sqrt_pd(x.v)}; }
+
 inline f32s greater(f32s a, f32s b) { return {_mm_cmpgt_ps(a.v, b.v)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm_cmpge_ps(a.v, b.v)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm_cmpge_pd(a.v, b.v)}; }
 
 // To 12 bits, processors differ; infinity for 0.
 inline f32s approximateReciprocal(f32s x) { return {_mm_rcp_ps(x.v)}; }
+// The same of doubles, by way of floats.
+inline f64s approximateReciprocal(f64s x) { return {_mm_cvtps_pd(_mm_rcp_ps(_mm_cvtpd_ps(x.v)))}; }
 
 inline f32s signBits(f32s x) { return x & splatF32(-0.0f); }
 inline f64s signBits(f64s x) { return x & splatF64(-0.0); }
@@ -368,6 +372,8 @@ inline f64s magnitude(f64s x) { return without(x, splatF64(-0.0)); }
 inline f32s toFloat(i32s x) { return {_mm_cvtepi32_ps(x.v)}; }
 // Toward zero; INT32_MIN for a NaN and for what 32 bits cannot hold.
 inline i32s truncate(f32s x) { return {_mm_cvttps_epi32(x.v)}; }
+// To the nearest, ties to even; likewise INT32_MIN for a NaN and beyond 32 bits.
+inline i32s toNearestEven(f32s x) { return {_mm_cvtps_epi32(x.v)}; }
 inline i32s truncate(f64s low, f64s high)
 {
     return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.v), _mm_cvttpd_epi32(high.v))};
@@ -429,6 +435,15 @@ inline float sumHalving(f32s x)
     return _mm_cvtss_f32(_mm_add_ss(two, _mm_shuffle_ps(two, two, 1)));
 }
 inline double sumHalving(f64s x) { return _mm_cvtsd_f64(_mm_add_sd(x.v, _mm_unpackhi_pd(x.v, x.v))); }
+
+// The lanes of each added up by halves, times a factor.
+inline void storeSums(double *to, f64s a, f64s b, f64s c, f64s d, double factor)
+{
+    const f64s ab = {_mm_add_pd(_mm_unpacklo_pd(a.v, b.v), _mm_unpackhi_pd(a.v, b.v))};
+    const f64s cd = {_mm_add_pd(_mm_unpacklo_pd(c.v, d.v), _mm_unpackhi_pd(c.v, d.v))};
+    store(to, ab * splatF64(factor));
+    store(to + 2, cd * splatF64(factor));
+}
 
 inline float largest(f32s x)
 {

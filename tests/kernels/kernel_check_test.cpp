@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -35,6 +36,9 @@ struct Table {
     void(VCB_CALL *gainLines)(uint8_t *dst0, uint8_t *dst1, const uint8_t *src0, const uint8_t *src1, int32_t count,
                               const Gain *gain);
     int16_t *(VCB_CALL *widen)(int16_t *dst, const uint8_t *src, int32_t count);
+    void(VCB_CALL *pick)(uint8_t *dst, const uint8_t *src, int32_t stride, int32_t count);
+    void(VCB_CALL *decay)(double *out, const double *in, const double *c, int32_t count);
+    VcbVec4 *(VCB_CALL *negate)(VcbVec4 *out, const VcbVec4 *a);
 };
 
 // Rows need no alignment.
@@ -404,6 +408,70 @@ int16_t *returnsTheStart(int16_t *dst, const uint8_t *src, int32_t count)
     return dst;
 }
 
+void forgetsTheUpperHalves(uint8_t *dst, const uint8_t *a, const uint8_t *b, int32_t count)
+{
+    average(dst, a, b, count);
+    fillUpperHalf();
+}
+
+// Reads from sample `first` to so many behind the last one of the count.
+template <int first, int behind> void pickFrom(uint8_t *dst, const uint8_t *src, int32_t stride, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i)
+        dst[i] = static_cast<uint8_t>(src[i * stride] - src[(i - 1) * stride]);
+    if (count > 0)
+        sink = static_cast<uint8_t>(src[first * stride] + src[(count - 1 + behind) * stride]);
+}
+
+void decayFrom(double last, double *out, const double *in, const double *c, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        last = at(in + i, 0) * at(c, 0) + last * at(c, 1);
+        put(out + i, 0, last);
+    }
+}
+
+void decay(double *out, const double *in, const double *c, int32_t count)
+{
+    if (count > 0)
+        decayFrom(at(out - 1, 0), out, in, c, count);
+}
+
+void startsFromNothing(double *out, const double *in, const double *c, int32_t count)
+{
+    decayFrom(0, out, in, c, count);
+}
+
+void clearsWhatCameBefore(double *out, const double *in, const double *c, int32_t count)
+{
+    decay(out, in, c, count);
+    if (count > 0)
+        put(out - 1, 0, 0.0);
+}
+
+void readsTwoBefore(double *out, const double *in, const double *c, int32_t count)
+{
+    if (count > 0)
+        sink = static_cast<uint8_t>(at(out - 2, 0) > 0);
+    decay(out, in, c, count);
+}
+
+// Without a count, and for aligned rows alone.
+bool isAligned(const void *row) { return reinterpret_cast<std::uintptr_t>(row) % alignof(VcbVec4) == 0; }
+
+VcbVec4 *negate(VcbVec4 *out, const VcbVec4 *a)
+{
+    for (int i = 0; i < 4; ++i)
+        out->v[i] = isAligned(out) && isAligned(a) ? -a->v[i] : 0;
+    return out;
+}
+
+VcbVec4 *returnsTheSource(VcbVec4 *out, const VcbVec4 *a)
+{
+    negate(out, a);
+    return const_cast<VcbVec4 *>(a);
+}
+
 KernelCase averageCase()
 {
     return kernelCase<&Table::average>({destination(1), source(1), source(1), count()}).mayEqual({1, 2});
@@ -450,7 +518,31 @@ KernelCase gainLinesCase()
         .mayShare({{0, 2}, {1, 0}, {3, 2}});
 }
 
+// From the sample before the first to the last, in either direction.
+KernelCase pickCase()
+{
+    return kernelCase<&Table::pick>(
+        {destination(1),
+         sourceBy(2,
+                  [](std::int64_t n, std::int64_t stride) {
+                      return stride > 0 ? Span{stride, (n - 1) * stride + 1} : Span{(1 - n) * stride, 1 - stride};
+                  }),
+         numbers<int32_t>({3, 0, -2}), count()});
+}
+
+KernelCase decayCase()
+{
+    return kernelCase<&Table::decay>(
+        {continuedDestination(8, 8), source(8), blocks<std::array<double, 2>>({{1, 0.5}, {2, -0.25}}), count()});
+}
+
 KernelCase widenCase() { return kernelCase<&Table::widen>({destination(2), source(1), count()}); }
+
+KernelCase negateCase()
+{
+    return kernelCase<&Table::negate>({aligned(16, standingDestination(16)), aligned(16, standingSource(16))})
+        .mayEqual({1});
+}
 
 template <class Function> VcbKernel untyped(Function *function) { return reinterpret_cast<VcbKernel>(function); }
 
@@ -475,6 +567,9 @@ TEST(KernelCheck, AcceptsCorrectKernels)
         {mixCase(), untyped(mix), untyped(mix)},
         {gainLinesCase(), untyped(gainLines), untyped(gainLines)},
         {widenCase(), untyped(widen), untyped(widen)},
+        {pickCase(), untyped(pickFrom<-1, 0>), untyped(pickFrom<-1, 0>)},
+        {decayCase(), untyped(decay), untyped(decay)},
+        {negateCase(), untyped(negate), untyped(negate)},
     };
     for (const auto &c : correct) {
         for (const bool quick : {false, true}) {
@@ -541,6 +636,12 @@ TEST(KernelCheck, RejectsFaultyKernelsAndNamesTheFault)
         {"clears the second line", gainLinesCase(), untyped(clearsTheSecondLine), untyped(gainLines),
          Fault::wrongResult},
         {"returns the start", widenCase(), untyped(returnsTheStart), untyped(widen), Fault::wrongReturn},
+        {"begins a sample early", pickCase(), untyped(pickFrom<-2, 0>), untyped(pickFrom<-1, 0>), Fault::crash},
+        {"ends a sample late", pickCase(), untyped(pickFrom<-1, 1>), untyped(pickFrom<-1, 0>), Fault::crash},
+        {"starts from nothing", decayCase(), untyped(startsFromNothing), untyped(decay), Fault::wrongResult},
+        {"clears what came before", decayCase(), untyped(clearsWhatCameBefore), untyped(decay), Fault::wroteOutside},
+        {"reads two before", decayCase(), untyped(readsTwoBefore), untyped(decay), Fault::crash},
+        {"returns its source", negateCase(), untyped(returnsTheSource), untyped(negate), Fault::wrongReturn},
     };
     for (const auto &f : faulty) {
         for (const std::uint64_t seed : {1u, 2u, 3u}) {
@@ -569,6 +670,15 @@ TEST(KernelCheck, WatchesEveryDestination)
     EXPECT_NE(result.finding->text.find("argument 1, byte -2"), std::string::npos) << result.finding->text;
 }
 
+TEST(KernelCheck, LooksAtTheUpperHalves)
+{
+    if (!tracksUpperHalves())
+        GTEST_SKIP() << "the processor does not tell, or the build does not care";
+    const CheckResult result = checkKernel(averageCase(), untyped(forgetsTheUpperHalves), untyped(average), {});
+    ASSERT_TRUE(result.finding);
+    EXPECT_EQ(result.finding->fault, Fault::leftRegisters) << result.finding->text;
+}
+
 // A setting that the processor does not have is never tried, and the one it has comes back.
 TEST(KernelCheck, SetsPopcntForItsTrialsOnly)
 {
@@ -584,6 +694,7 @@ TEST(KernelCheck, RefusesCasesThatContradictTheSignature)
     const Argument gain = numbers<float>({1});
     EXPECT_EQ(contradiction(scaleCase()), std::nullopt);
     EXPECT_EQ(contradiction(mixCase()), std::nullopt);
+    EXPECT_EQ(contradiction(decayCase()), std::nullopt);
     const KernelCase wrong[] = {
         kernelCase<&Table::scale>({destination(4), source(4), gain}),
         kernelCase<&Table::scale>({source(4), source(4), gain, count()}),
@@ -602,6 +713,8 @@ TEST(KernelCheck, RefusesCasesThatContradictTheSignature)
         gainLinesCase().mayShare({{2, 5}}),
         kernelCase<&Table::gainLines>(
             {destination(1), destination(1), source(1), source(1), count(), blocks<int32_t>({1})}),
+        kernelCase<&Table::decay>({destination(8), source(8), blocks<std::array<float, 3>>({{1, 2, 3}}), count()}),
+        kernelCase<&Table::pick>({destination(1), sourceBy(3, {}), numbers<int32_t>({1}), count()}),
     };
     for (const KernelCase &c : wrong) {
         EXPECT_NE(contradiction(c), std::nullopt) << "case " << &c - wrong;

@@ -17,7 +17,7 @@ Extent constant(std::int64_t bytes)
 
 Argument argumentOf(Argument::Kind kind)
 {
-    return {.kind = kind, .bytes = {}, .items = {}, .values = {}, .type = {}, .contents = {}};
+    return {.kind = kind, .bytes = {}, .span = {}, .items = {}, .values = {}, .type = {}, .contents = {}};
 }
 
 Argument row(Argument::Kind kind, Extent bytes)
@@ -34,7 +34,8 @@ bool agrees(const Argument &argument, const Parameter &parameter)
         return parameter.kind == Parameter::Kind::row;
     case Argument::Kind::source:
         return parameter.kind == Parameter::Kind::constRow &&
-               (argument.contents.empty() || argument.contents[0].size() == parameter.size);
+               (argument.contents.empty() || argument.contents[0].size() == parameter.size ||
+                (parameter.element != Element::integer && argument.contents[0].size() % parameter.size == 0));
     case Argument::Kind::sourceRows:
         return parameter.kind == Parameter::Kind::constRows;
     case Argument::Kind::count:
@@ -95,6 +96,21 @@ Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest)
     return argument;
 }
 
+Argument continuedDestination(std::int64_t bytesPerUnit, std::int64_t before)
+{
+    Argument argument = destination(bytesPerUnit);
+    argument.before = before;
+    return argument;
+}
+
+Argument sourceBy(std::size_t parameter, SpanBy span)
+{
+    Argument argument = argumentOf(Argument::Kind::source);
+    argument.span = std::move(span);
+    argument.items = parameter;
+    return argument;
+}
+
 Argument block(std::vector<std::vector<std::uint8_t>> contents)
 {
     Argument argument = argumentOf(Argument::Kind::source);
@@ -106,11 +122,24 @@ Argument block(std::vector<std::vector<std::uint8_t>> contents)
 Argument fixedSource(std::int64_t bytes) { return source(constant(bytes)); }
 Argument fixedDestination(std::int64_t bytes) { return destination(constant(bytes)); }
 
+Argument standingSource(std::int64_t bytes)
+{
+    Argument argument = argumentOf(Argument::Kind::source);
+    argument.bytes = constant(bytes);
+    return argument;
+}
+
 Argument standingDestination(std::int64_t bytes)
 {
     Argument argument = argumentOf(Argument::Kind::destination);
     argument.bytes = constant(bytes);
     return argument;
+}
+
+Argument aligned(std::size_t alignment, Argument row)
+{
+    row.alignment = alignment;
+    return row;
 }
 
 Argument sourceRows(std::int64_t bytesPerUnit, std::size_t inputs)
@@ -134,6 +163,15 @@ Argument number(std::vector<Bits> values)
     Argument argument = argumentOf(Argument::Kind::number);
     argument.values = std::move(values);
     return argument;
+}
+
+Span spanOf(const Argument &argument, std::int64_t n, std::int64_t items)
+{
+    if (argument.span)
+        return n > 0 ? argument.span(n, items) : Span{};
+    const std::int64_t bytes = argument.bytes(n) * std::max<std::int64_t>(items, 0);
+    // A row of no units has no neighbours to read either.
+    return bytes ? Span{argument.before, bytes, argument.after} : Span{};
 }
 
 std::optional<std::string> contradiction(const KernelCase &kernelCase)

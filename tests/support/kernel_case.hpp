@@ -3,6 +3,8 @@
 #pragma once
 
 #include <vela/base.h>
+#include <vela/math3d.h>
+#include <vela/matrix.h>
 
 #include <cstdint>
 #include <cstring>
@@ -52,6 +54,20 @@ struct Parameter {
     bool operator==(const Parameter &) const = default;
 };
 
+// What a row of T is filled and compared as. Structures of floats are their floats.
+template <class T> struct ElementsOf {
+    using Type = T;
+};
+template <> struct ElementsOf<VcbMat4> {
+    using Type = float;
+};
+template <> struct ElementsOf<VcbVec4> {
+    using Type = float;
+};
+template <> struct ElementsOf<VcbVec3> {
+    using Type = float;
+};
+
 template <class T> constexpr Parameter parameterOf(Parameter::Kind kind = Parameter::Kind::value)
 {
     if constexpr (std::is_void_v<T>) {
@@ -70,7 +86,8 @@ template <class T> constexpr Parameter parameterOf(Parameter::Kind kind = Parame
             static_assert(std::is_const_v<Pointee> && std::is_const_v<std::remove_pointer_t<Pointee>>);
             return parameterOf<std::remove_pointer_t<Pointee>>(Parameter::Kind::constRows);
         } else {
-            return parameterOf<Pointee>(std::is_const_v<Pointee> ? Parameter::Kind::constRow : Parameter::Kind::row);
+            using Item = typename ElementsOf<std::remove_const_t<Pointee>>::Type;
+            return parameterOf<Item>(std::is_const_v<Pointee> ? Parameter::Kind::constRow : Parameter::Kind::row);
         }
     }
 }
@@ -103,15 +120,27 @@ template <class Result, class... Arguments> struct Signature<Result(VCB_CALL *)(
 // Bytes of a row for a count (or width) of n; n may be negative.
 using Extent = std::function<std::int64_t(std::int64_t n)>;
 
+// Where a row lies around the address that the kernel gets, in bytes.
+struct Span {
+    std::int64_t before = 0; // ahead of it
+    std::int64_t bytes = 0;  // from it on
+    std::int64_t after = 0;  // behind these: what may be read besides
+};
+
+// The span of a row whose length depends on a parameter too.
+using SpanBy = std::function<Span(std::int64_t n, std::int64_t parameter)>;
+
 struct Argument {
     enum class Kind { destination, source, sourceRows, count, number };
 
     Kind kind;
     Extent bytes;                     // rows
-    std::int64_t before = 0;          // bytes that the kernel may read ahead of a source row
+    SpanBy span;                      // rows that have no `bytes`
+    std::int64_t before = 0;          // bytes that the kernel may read ahead of a row
     std::int64_t after = 0;           // and behind it
     std::uint32_t largest = 0;        // if not 0, the largest 16-bit word of a source row
-    std::optional<std::size_t> items; // the number argument that says how many rows, or how often `bytes`
+    std::size_t alignment = 1;        // of the row's first byte, where it has none of its padding
+    std::optional<std::size_t> items; // the number argument that says how many rows, how often `bytes`, or which span
     std::vector<Bits> values;         // number: the values to try
     std::optional<Parameter> type;    // number: their type, where it was given
     std::vector<std::vector<std::uint8_t>> contents; // a row of prepared bytes: those to try
@@ -127,8 +156,14 @@ Argument source(Extent bytes);
 Argument paddedSource(Extent bytes, std::int64_t before, std::int64_t after);
 Argument paddedWords(Extent bytes, std::int64_t padding, std::uint32_t largest);
 
-// A structure that the kernel reads: one of these, at any address and at every count. The last one is the one that the
-// bench uses.
+// A row that goes on where another ended: the kernel may read so many bytes of that.
+Argument continuedDestination(std::int64_t bytesPerUnit, std::int64_t before);
+
+// A row whose span the number argument at position `parameter` decides: a stride, a number of taps.
+Argument sourceBy(std::size_t parameter, SpanBy span);
+
+// A structure that the kernel reads, or an array of floats: one of these, at any address and at every count. The last
+// one is the one that the bench uses.
 Argument block(std::vector<std::vector<std::uint8_t>> contents);
 template <class T> Argument blocks(const std::vector<T> &values)
 {
@@ -143,7 +178,11 @@ template <class T> Argument blocks(const std::vector<T> &values)
 // Rows whose length the count does not change: look-up tables, results of a group.
 Argument fixedSource(std::int64_t bytes);
 Argument fixedDestination(std::int64_t bytes);
-Argument standingDestination(std::int64_t bytes); // is there at a count below 1 too
+Argument standingSource(std::int64_t bytes); // these are there at a count below 1 too, and without any count
+Argument standingDestination(std::int64_t bytes);
+
+// A row that kernels may expect at a multiple of so many bytes.
+Argument aligned(std::size_t alignment, Argument row);
 
 // An array of row pointers and a row of so many bytes for each of them. The number argument at position `inputs` says
 // how many there are.
@@ -212,6 +251,9 @@ struct KernelCase {
         return *this;
     }
 };
+
+// The span of a row for a count of n, where the number argument that `items` names has this value.
+Span spanOf(const Argument &argument, std::int64_t n, std::int64_t items);
 
 // What contradicts the signature, or itself, in a case.
 std::optional<std::string> contradiction(const KernelCase &kernelCase);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cpuid.h>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -79,14 +80,15 @@ class Row {
 public:
     explicit Row(std::size_t largest) : guarded_(largest + 2 * (margin + largestSkew + 1)) {}
 
-    void place(const Argument &argument, const Parameter &type, std::size_t bytes, const Trial &trial, Random &random)
+    void place(const Argument &argument, const Parameter &type, const Span &span, const Trial &trial, Random &random)
     {
-        // A row of no units has no padding to read either.
-        const std::size_t before = bytes ? static_cast<std::size_t>(argument.before) : 0;
-        const std::size_t after = bytes ? static_cast<std::size_t>(argument.after) : 0;
+        const auto before = static_cast<std::size_t>(span.before);
+        const auto bytes = static_cast<std::size_t>(span.bytes);
+        const auto after = static_cast<std::size_t>(span.after);
         const std::size_t whole = before + bytes + after;
         bytes_ = bytes;
-        const std::size_t skew = trial.skewed ? random.below(largestSkew + 1) : 0;
+        const std::size_t skew =
+            trial.skewed ? random.below(largestSkew + 1) / argument.alignment * argument.alignment : 0;
         start_ = (trial.side == Side::after ? guarded_.end() - skew - whole : guarded_.begin() + skew) + before;
         windowBegin_ = std::max(guarded_.begin(), start_ - before - margin);
         windowEnd_ = std::min(guarded_.end(), start_ + bytes + after + margin);
@@ -95,7 +97,7 @@ public:
             // Canaries, whatever the sources hold; floats that a kernel adds to may be any.
             fillBytes(windowBegin_, windowSize(), Fill::random, random);
             if (type.element != Element::integer)
-                fillRow(start_, bytes_, type, random.next() & 1 ? Fill::random : trial.fill, random);
+                fillRow(start_ - before, whole, type, random.next() & 1 ? Fill::random : trial.fill, random);
         } else {
             fillSpan(windowBegin_, start_ - before, trial.fill, random);
             if (argument.contents.empty())
@@ -181,6 +183,36 @@ bool isRow(const Argument &argument)
     return argument.kind != Argument::Kind::count && argument.kind != Argument::Kind::number;
 }
 
+// The upper halves of the vector registers, which AVX has.
+void clearUpperHalves() { __asm__ volatile("vzeroupper"); }
+
+bool upperHalvesInUse()
+{
+    constexpr std::uint32_t avxState = 1 << 2;
+    std::uint32_t low = 0;
+    std::uint32_t high = 0;
+    __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(1)); // state that is not as after a reset
+    return low & avxState;
+}
+
+bool findsOutUpperHalves()
+{
+#if defined(NDEBUG)
+    if (VCB_GetCPUInsHigh() < VCB_CPU_AVX)
+        return false;
+    constexpr std::uint32_t hasXgetbv1 = 1 << 2;
+    std::uint32_t a = 0, b = 0, c = 0, d = 0;
+    if (!__get_cpuid_count(0xD, 1, &a, &b, &c, &d) || !(a & hasXgetbv1))
+        return false;
+    fillUpperHalf();
+    const bool filled = upperHalvesInUse();
+    clearUpperHalves();
+    return filled && !upperHalvesInUse(); // emulators do not tell
+#else
+    return false; // compilers clear them only when they optimise
+#endif
+}
+
 // What g_CPUID says for the time of a trial.
 class PopcntSetting {
 public:
@@ -195,24 +227,30 @@ private:
 
 class Checker {
 public:
-    Checker(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, std::int64_t largestCount)
-        : case_(kernelCase), kernel_(kernel), oracle_(oracle), rows_(case_.arguments.size())
+    Checker(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, std::int64_t largestCount,
+            bool upperHalves)
+        : case_(kernelCase), kernel_(kernel), oracle_(oracle), upperHalves_(upperHalves && tracksUpperHalves()),
+          rows_(case_.arguments.size())
     {
         for (std::size_t i = 0; i < rows_.size(); ++i) {
             const Argument &argument = case_.arguments[i];
             if (!isRow(argument))
                 continue;
-            std::size_t items = 1;
-            if (argument.items)
-                for (const Bits value : case_.arguments[*argument.items].values)
-                    items = std::max(items, itemsIn(value, *argument.items));
-            const auto bytes = static_cast<std::size_t>(argument.bytes(largestCount));
-            const auto padding = static_cast<std::size_t>(argument.before + argument.after);
+            std::int64_t most = 1;
+            std::size_t largest = sizeOf(spanOf(argument, largestCount, 1));
+            if (argument.items) {
+                for (const Bits value : case_.arguments[*argument.items].values) {
+                    const std::int64_t items = itemsIn(value, *argument.items);
+                    most = std::max(most, items);
+                    if (argument.kind != Argument::Kind::sourceRows)
+                        largest = std::max(largest, sizeOf(spanOf(argument, largestCount, items)));
+                }
+            }
             const bool isArray = argument.kind == Argument::Kind::sourceRows;
-            for (std::size_t row = 0; row < (isArray ? items : 1); ++row)
-                rows_[i].rows.push_back(std::make_unique<Row>((isArray ? bytes : bytes * items) + padding));
+            for (std::int64_t row = 0; row < (isArray ? most : 1); ++row)
+                rows_[i].rows.push_back(std::make_unique<Row>(largest));
             if (isArray)
-                rows_[i].pointers = std::make_unique<Row>(items * sizeof(void *));
+                rows_[i].pointers = std::make_unique<Row>(static_cast<std::size_t>(most) * sizeof(void *));
         }
     }
 
@@ -238,8 +276,16 @@ public:
         Bits theirsReturned = 0;
         {
             const PopcntSetting setting(trial.popcnt);
-            if (!runsWithoutFault([&] { mineReturned = case_.invoke(kernel_, mine.data()); }))
+            bool leftUpperHalves = false;
+            if (upperHalves_)
+                clearUpperHalves();
+            if (!runsWithoutFault([&] {
+                    mineReturned = case_.invoke(kernel_, mine.data());
+                    leftUpperHalves = upperHalves_ && upperHalvesInUse();
+                }))
                 return Finding{Fault::crash, describe(trial, mine)};
+            if (leftUpperHalves)
+                return Finding{Fault::leftRegisters, describe(trial, mine)};
             theirsReturned = case_.invoke(oracle_, theirs.data());
         }
         if (case_.result.kind == Parameter::Kind::row) {
@@ -302,9 +348,14 @@ private:
         return inPlace;
     }
 
-    std::size_t itemsIn(Bits value, std::size_t argument) const
+    static std::size_t sizeOf(const Span &span)
     {
-        return static_cast<std::size_t>(std::max<std::int64_t>(integerOf(value, case_.parameters[argument]), 0));
+        return static_cast<std::size_t>(span.before + span.bytes + span.after);
+    }
+
+    std::int64_t itemsIn(Bits value, std::size_t argument) const
+    {
+        return integerOf(value, case_.parameters[argument]);
     }
 
     void placeRows(std::size_t i, const Trial &trial, std::vector<Bits> &mine, std::vector<Bits> &theirs,
@@ -312,21 +363,20 @@ private:
     {
         const Argument &argument = case_.arguments[i];
         const Parameter &type = case_.parameters[i];
-        const std::size_t items = argument.items ? itemsIn(mine[*argument.items], *argument.items) : 1;
-        const auto bytes = static_cast<std::size_t>(argument.bytes(trial.count));
+        const std::int64_t items = argument.items ? itemsIn(mine[*argument.items], *argument.items) : 1;
         Rows &rows = rows_[i];
         if (argument.kind != Argument::Kind::sourceRows) {
             rows.used = 1;
-            rows.rows[0]->place(argument, type, bytes * items, trial, random);
+            rows.rows[0]->place(argument, type, spanOf(argument, trial.count, items), trial, random);
             mine[i] = toBits(rows.rows[0]->start());
             theirs[i] = toBits(rows.rows[0]->copyStart());
             return;
         }
-        rows.used = trial.count > 0 ? items : 0;
+        rows.used = trial.count > 0 ? static_cast<std::size_t>(std::max<std::int64_t>(items, 0)) : 0;
         rows.oraclePointers.clear();
         std::vector<const std::uint8_t *> pointers;
         for (std::size_t row = 0; row < rows.used; ++row) {
-            rows.rows[row]->place(argument, type, bytes, trial, random);
+            rows.rows[row]->place(argument, type, spanOf(argument, trial.count, 1), trial, random);
             pointers.push_back(rows.rows[row]->start());
             rows.oraclePointers.push_back(rows.rows[row]->copyStart());
         }
@@ -389,6 +439,7 @@ private:
     const KernelCase &case_;
     VcbKernel kernel_;
     VcbKernel oracle_;
+    bool upperHalves_;
     std::vector<Rows> rows_;
 };
 
@@ -436,6 +487,17 @@ bool detectedPopcnt()
 
 } // namespace
 
+bool tracksUpperHalves()
+{
+    static const bool tracks = findsOutUpperHalves();
+    return tracks;
+}
+
+void fillUpperHalf()
+{
+    __asm__ volatile("vpcmpeqd %%xmm0, %%xmm0, %%xmm0\n\tvinsertf128 $1, %%xmm0, %%ymm0, %%ymm0" ::: "xmm0");
+}
+
 CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKernel oracle, const CheckPlan &plan)
 {
     if (const auto wrong = contradiction(kernelCase))
@@ -445,7 +507,7 @@ CheckResult checkKernel(const KernelCase &kernelCase, VcbKernel kernel, VcbKerne
     const std::vector<std::int64_t> longer = longCounts(random);
     const bool returns = kernelCase.result.size != 0 && kernelCase.result.kind == Parameter::Kind::value;
     Checker checker(kernelCase, kernel, oracle,
-                    returns ? overflowingCount : *std::max_element(longer.begin(), longer.end()));
+                    returns ? overflowingCount : *std::max_element(longer.begin(), longer.end()), plan.upperHalves);
 
     std::vector<SharedRows> places{{}};
     places.insert(places.end(), kernelCase.shared.begin(), kernelCase.shared.end());
@@ -508,6 +570,8 @@ const char *faultName(Fault fault)
         return "changed a source";
     case Fault::wrongReturn:
         return "wrong return value";
+    case Fault::leftRegisters:
+        return "left the upper halves of vector registers in use";
     }
     return "unknown fault";
 }

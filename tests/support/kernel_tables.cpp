@@ -1,8 +1,12 @@
 #include "support/kernel_tables.hpp"
 
+#include "audio/tiers.hpp"
 #include "colorspace/tiers.hpp"
+#include "math3d/tiers.hpp"
+#include "matrix/tiers.hpp"
 #include "mem/tiers.hpp"
 #include "oracles/oracles.hpp"
+#include "signal/tiers.hpp"
 #include "support/wide_texts.hpp"
 #include "video/tiers.hpp"
 
@@ -56,21 +60,25 @@ template <class Table> KernelTable kernelTable(const Table &oracle, std::vector<
 
 TierKernels sse2(const void *table) { return {"sse2", VCB_CPU_SSE2, VCB_TIERS_SSE2, table}; }
 TierKernels ssse3(const void *table) { return {"ssse3", VCB_CPU_SSSE3, VCB_TIERS_SSSE3, table}; }
+TierKernels avx(const void *table, const void *oracle) { return {"avx", VCB_CPU_AVX, VCB_TIERS_AVX, table, oracle}; }
 TierKernels avx2(const void *table, const void *oracle = nullptr)
 {
     return {"avx2", VCB_CPU_AVX2, VCB_TIERS_AVX2, table, oracle};
 }
 
 // Every kernel text compiled for AVX2, whether or not the library ships it there: proves the wide vocabulary.
-TierKernels wideTexts(const void *table) { return {"wide", VCB_CPU_AVX2, 0, table}; }
+TierKernels wideTexts(const void *table, const void *oracle = nullptr)
+{
+    return {"wide", VCB_CPU_AVX2, 0, table, oracle};
+}
 
 } // namespace
 
 std::vector<KernelCase> allCases()
 {
     std::vector<KernelCase> all;
-    for (const auto &topic :
-         {colorSpaceCases(), memMoveCases(), memByteCases(), memFloatCases(), memFormatCases(), videoCases()})
+    for (const auto &topic : {audioCases(), colorSpaceCases(), math3dCases(), matrixCases(), memMoveCases(),
+                              memByteCases(), memFloatCases(), memFormatCases(), signalCases(), videoCases()})
         all.insert(all.end(), topic.begin(), topic.end());
     return all;
 }
@@ -78,6 +86,9 @@ std::vector<KernelCase> allCases()
 std::vector<KernelTable> kernelTables()
 {
     return {
+        kernelTable(oracle::audioProcs, {sse2(&audioProcsSse2), avx(&audioProcsAvx, &oracle::audioProcsOfAvx),
+                                         wideTexts(&audioProcsWide, &oracle::audioProcsOfAvx)}),
+        kernelTable(oracle::audioEffects, {sse2(&audioEffectsSse2), wideTexts(&audioEffectsWide)}),
         kernelTable(oracle::colorSpaceProcs,
                     {sse2(&colorSpaceProcsSse2), avx2(&colorSpaceProcsAvx2), wideTexts(&colorSpaceProcsWide)}),
         kernelTable(oracle::memOrderOps, {sse2(&memOrderOpsSse2), avx2(&memOrderOpsAvx2), wideTexts(&memOrderOpsWide)}),
@@ -88,7 +99,13 @@ std::vector<KernelTable> kernelTables()
         kernelTable(oracle::memCompareOps, {sse2(&memCompareOpsSse2), wideTexts(&memCompareOpsWide)}),
         kernelTable(oracle::memMiscOps, {sse2(&memMiscOpsSse2), ssse3(&memMiscOpsSsse3),
                                          avx2(&memMiscOpsAvx2, &oracle::memMiscOpsOfAvx2), wideTexts(&memMiscOpsWide)}),
+        kernelTable(oracle::signalProcs, {sse2(&signalProcsSse2), wideTexts(&signalProcsWide)}),
         kernelTable(oracle::videoProcs, {sse2(&videoProcsSse2), avx2(&videoProcsAvx2), wideTexts(&videoProcsWide)}),
+        kernelTable(oracle::matrixProcs, {sse2(&matrixProcsSse2), avx2(&matrixProcsAvx2), wideTexts(&matrixProcsWide)}),
+        kernelTable(oracle::vectorProcs, {sse2(&vectorProcsSse2), wideTexts(&vectorProcsWide)}),
+        kernelTable(oracle::math3dArrays, {sse2(&math3dArraysSse2), wideTexts(&math3dArraysWide)}),
+        kernelTable(oracle::math3dIdentity, {sse2(&math3dIdentitySse2), wideTexts(&math3dIdentityWide)}),
+        kernelTable(oracle::math3dCross, {sse2(&math3dCrossSse2), wideTexts(&math3dCrossWide)}),
     };
 }
 

@@ -31,12 +31,16 @@ struct KernelTable {
 };
 
 // By topic; one vector may hold cases of several sub-tables.
+std::vector<KernelCase> audioCases();
 std::vector<KernelCase> colorSpaceCases();
 std::vector<KernelCase> memMoveCases();
 std::vector<KernelCase> memByteCases();
 std::vector<KernelCase> memFloatCases();
 std::vector<KernelCase> memFormatCases();
+std::vector<KernelCase> signalCases();
 std::vector<KernelCase> videoCases();
+std::vector<KernelCase> matrixCases();
+std::vector<KernelCase> math3dCases();
 std::vector<KernelCase> allCases();
 
 // All sub-tables that have kernels.
