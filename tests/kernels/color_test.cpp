@@ -2,6 +2,7 @@
 // and oracle cannot err together.
 
 #include "oracles/color/singular.h"
+#include "support/domains.hpp"
 
 #include <gtest/gtest.h>
 
@@ -25,8 +26,8 @@ using Words = std::vector<uint16_t>;
 using Longs = std::vector<uint32_t>;
 using Floats = std::vector<float>;
 
-// Every so-many'th code of a whole domain where an emulator runs the tests.
-int stride(int quick) { return std::getenv("VELA_CHECK_QUICK") ? quick : 1; }
+// Of a whole domain every code, or every so-many'th.
+int stride(int quick) { return samplesDomains() ? quick : 1; }
 
 struct Matrix {
     VcbCscMatrix matrix;

@@ -1,6 +1,7 @@
 // The byte kernels: worked examples for their oracles, and proofs over whole domains.
 
 #include "oracles/oracles.hpp"
+#include "support/domains.hpp"
 #include "support/kernel_tables.hpp"
 
 #include <gtest/gtest.h>
@@ -248,9 +249,6 @@ std::string difference(const Bytes &kernel, const Bytes &expected)
            std::to_string(*at.first) + ", expected " + std::to_string(*at.second);
 }
 
-// Emulators take samples of a whole domain.
-bool isQuick() { return std::getenv("VELA_CHECK_QUICK") != nullptr; }
-
 double unitLimited(double y) { return std::clamp(y, 0.0, 1.0); }
 
 // What the rows of the lists say, in real numbers.
@@ -291,7 +289,7 @@ std::vector<double> weights()
     std::uniform_real_distribution<double> inSpan(-2, 2);
     for (int i = 0; i < 12; ++i)
         all.push_back(inSpan(random));
-    if (isQuick()) {
+    if (samplesDomains()) {
         std::shuffle(all.begin() + 3, all.end(), random);
         all.resize(9);
     }
@@ -372,7 +370,7 @@ TEST(ByteMixes, MasksOverAllPairs)
     Bytes expected(pairs.a.size());
     Bytes out(pairs.a.size());
     for (const double weight : {1.0, 0.0, 0.7, -1.3, 2.0, nan, infinity}) {
-        const int step = isQuick() ? 51 : 3;
+        const int step = samplesDomains() ? 51 : 3;
         for (int m = 0; m < 256; m += m < 4 || m > 250 || (m > 124 && m < 132) ? 1 : step) {
             const Bytes mask(pairs.a.size(), static_cast<uint8_t>(m));
             oracle::memMiscOps.MemMixOp47(expected.data(), pairs.a.data(), pairs.b.data(), mask.data(), weight,
@@ -405,7 +403,7 @@ TEST(ByteMixes, SumsOverAllPairs)
     Bytes expected(pairs.a.size());
     Bytes out(pairs.a.size());
     std::vector<int16_t> fixed = {-32768, 16384, 8193, 32767, -32767, -16384, -5461, -1, 0, 127, 30001};
-    fixed.resize(isQuick() ? 3 : fixed.size());
+    fixed.resize(samplesDomains() ? 3 : fixed.size());
     const uint8_t *rows[] = {pairs.a.data(), pairs.b.data()};
     for (const int16_t ofA : fixed) {
         for (const int16_t ofB : fixed) {
@@ -443,7 +441,7 @@ TEST(ByteMixes, WordsAtTheEnds)
     std::vector<uint16_t> a(65536);
     std::iota(a.begin(), a.end(), uint16_t{0});
     std::mt19937 random(1);
-    for (int i = 0; i < (isQuick() ? 3 : 8); ++i) {
+    for (int i = 0; i < (samplesDomains() ? 3 : 8); ++i) {
         const uint16_t ends[] = {0, 65535, 32767, 32768, 1};
         const std::vector<uint16_t> b(65536, i < 5 ? ends[i] : static_cast<uint16_t>(random()));
         for (const double weight : weights()) {
