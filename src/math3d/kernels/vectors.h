@@ -27,8 +27,16 @@ inline VcbVec3 *write(VcbVec3 *to, VcbVec3 x)
 inline VcbVec3 operator-(VcbVec3 a, VcbVec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 inline VcbVec3 operator*(VcbVec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
 inline float lengthSquared(VcbVec3 a) { return (a.x * a.x + a.z * a.z) + a.y * a.y; }
-// _mm_set_ss() would take GCC 12 by way of an integer register.
-inline float length(VcbVec3 a) { return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set1_ps(lengthSquared(a)))); }
+
+// A component in lane 0. GCC 12 takes a float that it has computed into a vector by way of a shuffle or an integer
+// register; one from memory is there.
+inline __m128 component(const VcbVec3 *from, int i) { return _mm_set_ss(((const FloatAnywhere *)from)[i]); }
+
+inline float length(__m128 x, __m128 y, __m128 z)
+{
+    const __m128 squares = _mm_add_ss(_mm_add_ss(_mm_mul_ss(x, x), _mm_mul_ss(z, z)), _mm_mul_ss(y, y));
+    return _mm_cvtss_f32(_mm_sqrt_ss(squares));
+}
 
 VcbVec3 *VecOp14(VcbVec3 *out, const VcbVec3 *a, float s) { return write(out, read(a) * s); }
 
@@ -55,9 +63,13 @@ float Vec3Dot(const VcbVec3 *a, const VcbVec3 *b)
     return (u.x * v.x + u.y * v.y) + u.z * v.z;
 }
 
-float Vec3Length(const VcbVec3 *a) { return length(read(a)); }
+float Vec3Length(const VcbVec3 *a) { return length(component(a, 0), component(a, 1), component(a, 2)); }
 float Vec3LengthSquared(const VcbVec3 *a) { return lengthSquared(read(a)); }
-float Vec3Distance(const VcbVec3 *a, const VcbVec3 *b) { return length(read(a) - read(b)); }
+float Vec3Distance(const VcbVec3 *a, const VcbVec3 *b)
+{
+    const auto difference = [=](int i) { return _mm_sub_ss(component(a, i), component(b, i)); };
+    return length(difference(0), difference(1), difference(2));
+}
 
 VcbVec3 *Vec3Normalize(VcbVec3 *out, const VcbVec3 *a)
 {
