@@ -22,7 +22,7 @@ public:
     {
         for (const Run &run : runs) {
             const std::string name = run.run_name.function_name;
-            if (run.aggregate_name == "median")
+            if (run.aggregate_name == "median" || run.run_type == Run::RT_Iteration) // a single one has no aggregates
                 times_[name].median = run.GetAdjustedCPUTime();
             else if (run.aggregate_name == "cv")
                 times_[name].variation = run.GetAdjustedCPUTime() / 1e9; // a share, given in the unit of time
