@@ -67,7 +67,8 @@ void checkRows(const std::filesystem::path &path, const Header &header, int widt
 bool isDpx(const std::filesystem::path &path)
 {
     checkIsFile(path);
-    return Header(path).isDpx();
+    const std::filesystem::path extension = path.extension();
+    return Header(path).isDpx() || extension == ".dpx" || extension == ".DPX";
 }
 
 DpxPicture readDpx(const Library &library, const std::filesystem::path &path)
@@ -79,6 +80,8 @@ DpxPicture readDpx(const Library &library, const std::filesystem::path &path)
     int32_t width = 0;
     int32_t height = 0;
     int32_t format = VCB_DPX_UNSUPPORTED;
+    if (!header.isDpx())
+        throw unreadable(path, "not a DPX file");
     if (!header.isWhole() || !read(name.c_str(), nullptr, 0, &width, &height, &format, keepOrder))
         throw unreadable(path, "the file ends within its header");
     if (format != VCB_DPX_RGB_A && format != VCB_DPX_RGB_B)

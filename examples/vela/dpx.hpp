@@ -11,7 +11,7 @@ struct DpxPicture {
     bool littleEndian;
 };
 
-// Whether the file begins as a DPX file does. Throws Failure if it cannot be read.
+// Whether the file begins as a DPX file does, or has the name of one. Throws Failure if it cannot be read.
 bool isDpx(const std::filesystem::path &path);
 
 // Throws Failure.
