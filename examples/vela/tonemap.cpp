@@ -205,14 +205,19 @@ public:
     {
     }
 
-    Picture run(const Task &task)
+    Picture run(const Task &task) { return pack(convert(task, readInput())); }
+
+    void print(const Task &task, const Picture &picture)
     {
-        const Picture pixels = readInput();
-        printTask(task, pixels);
-        const Picture packed = pack(convert(task, pixels));
         progress.show("");
+        std::cout << options.input << ": " << picture.width() << " x " << picture.height() << ", " << kind
+                  << "; median of " << options.runs << " runs on " << counted(options.threads, "thread") << '\n'
+                  << task.from.name << " to " << task.to.name << ", primaries " << options.primaries << ", tone map "
+                  << task.mode.name << ", peaks " << options.peak << " cd/m2";
+        if (task.gain != 1)
+            std::cout << ", light times " << formatted("%g", static_cast<double>(task.gain));
+        std::cout << "\n\n";
         table.print(std::cout);
-        return packed;
     }
 
 private:
@@ -293,17 +298,6 @@ private:
         return to;
     }
 
-    void printTask(const Task &task, const Picture &picture) const
-    {
-        std::cout << options.input << ": " << picture.width() << " x " << picture.height() << ", " << kind
-                  << "; median of " << options.runs << " runs on " << counted(options.threads, "thread") << '\n'
-                  << task.from.name << " to " << task.to.name << ", primaries " << options.primaries << ", tone map "
-                  << task.mode.name << ", peaks " << options.peak << " cd/m2";
-        if (task.gain != 1)
-            std::cout << ", light times " << formatted("%g", static_cast<double>(task.gain));
-        std::cout << "\n\n";
-    }
-
     const TonemapOptions &options;
     const Library &library;
     const vela::ColorSpaceProcs procs;
@@ -322,8 +316,11 @@ void runTonemap(TonemapOptions options, Session &session)
     checkIsNotInput(path, pathFromUtf8(options.input));
 
     UnfinishedFile output(path);
-    writeBmp(library, output.pathUntilFinished(), ToneMapping(options, library).run(task));
+    ToneMapping mapping(options, library);
+    const Picture picture = mapping.run(task);
+    writeBmp(library, output.pathUntilFinished(), picture);
     output.finish();
+    mapping.print(task, picture);
     std::cout << "\nwrote " << options.output << '\n';
 }
 
@@ -358,9 +355,8 @@ public:
     std::vector<double> encoded(const Curve &curve, const std::vector<double> &light) const
     {
         setUp(VCB_HDR_POWER_2_2, curve.code); // decodes 1 as 1; the matrix makes light of it
-        std::vector<double> codeValues;
-        for (const double x : light)
-            codeValues.push_back(converted(1, x));
+        std::vector<double> codeValues(light.size());
+        std::ranges::transform(light, codeValues.begin(), [&](double x) { return converted(1, x); });
         return codeValues;
     }
 
@@ -408,9 +404,9 @@ std::vector<double> lightsToEncode(int rows)
 
 std::vector<double> codesToDecode(int rows)
 {
-    std::vector<double> codes;
-    for (int i = 0; i < rows; ++i)
-        codes.push_back(static_cast<double>(i) / (rows - 1));
+    std::vector<double> codes(static_cast<std::size_t>(rows));
+    for (std::size_t i = 0; i < codes.size(); ++i)
+        codes[i] = static_cast<double>(i) / (rows - 1);
     return codes;
 }
 

@@ -332,7 +332,8 @@ TEST_F(Tonemap, ProblemsAreOneLineAndAStatus)
         EXPECT_EQ(outcome.status, wanted.status) << wanted.arguments;
         EXPECT_TRUE(contains(outcome.errors, wanted.says)) << wanted.arguments << ": " << outcome.errors;
         EXPECT_TRUE(isOneComplaint(outcome.errors)) << outcome.errors;
-        EXPECT_FALSE(fs::exists(directory / "out.bmp")) << wanted.arguments;
+        EXPECT_EQ(outcome.output, "") << wanted.arguments;
+        EXPECT_FALSE(fs::exists(directory / "out.bmp") || fs::exists(directory / "out.bmp.part")) << wanted.arguments;
     }
 }
 
