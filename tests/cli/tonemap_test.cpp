@@ -129,14 +129,6 @@ constexpr Matrix unity{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 constexpr Matrix fromBt2020{
     {{1.660491, -0.587641, -0.072850}, {-0.124550, 1.132900, -0.008349}, {-0.018151, -0.100579, 1.118730}}};
 
-Rgb times(const Matrix &matrix, const Rgb &v)
-{
-    Rgb result{};
-    for (std::size_t i = 0; i < 3; ++i)
-        result[i] = matrix[i][0] * v[0] + matrix[i][1] * v[1] + matrix[i][2] * v[2];
-    return result;
-}
-
 // --- Values --------------------------------------------------------------------------------------------------
 
 struct Conversion {
@@ -190,21 +182,23 @@ const Conversion conversions[] = {
      power22},
 };
 
-// What lies between the steps of both tables: light falls short by 1/4096 and by what 1/4095 of a code is, and is
-// encoded as one more of either.
+// Both tables are looked up by truncation: light is that of a code of up to 1/4095 less, and what is encoded is up to
+// 1/4096 of light less. The sign of a weight says which of these two makes the result smaller.
 void expectWithin(const Conversion &conversion, const Rgb &before, std::uint8_t found, std::size_t component)
 {
-    const auto encoded = [&](double codeStep, double lightStep) {
-        Rgb light{};
+    const Rgb &weights = conversion.matrix[component];
+    const auto encoded = [&](bool smallest) {
+        double light = smallest ? -1.0 / 4096 : 0.0;
         for (std::size_t i = 0; i < 3; ++i) {
-            const double towards = conversion.matrix[component][i] < 0 ? -codeStep : codeStep;
-            light[i] = conversion.map(conversion.decode(std::max(before[i] - towards / 4095, 0.0)));
+            const double less = (weights[i] > 0) == smallest ? 1.0 / 4095 : 0.0;
+            light += weights[i] * conversion.map(conversion.decode(std::max(before[i] - less, 0.0)));
         }
-        return 255 * conversion.encode(std::max(times(conversion.matrix, light)[component] - lightStep / 4096, 0.0));
+        return 255 * conversion.encode(std::max(light, 0.0));
     };
-    EXPECT_GE(found, encoded(1, 1) - 0.55)
+    constexpr double rounding = 0.51;
+    EXPECT_GE(found, encoded(true) - rounding)
         << conversion.name << ", code " << 1023 * before[component] << " of component " << component;
-    EXPECT_LE(found, encoded(-0.01, 0) + 0.55)
+    EXPECT_LE(found, encoded(false) + rounding)
         << conversion.name << ", code " << 1023 * before[component] << " of component " << component;
 }
 
