@@ -29,6 +29,8 @@ void addInfoCommand(CLI::App &app, Session &session);
 void addEnhanceCommand(CLI::App &app, Session &session);
 void addConvertCommand(CLI::App &app, Session &session);
 void addFormatsCommand(CLI::App &app, Session &session);
+void addTonemapCommand(CLI::App &app, Session &session);
+void addCurvesCommand(CLI::App &app, Session &session);
 void addAudioCommand(CLI::App &app, Session &session); // where libsndfile is: see VELA_AUDIO
 
 } // namespace host

@@ -23,6 +23,8 @@ constexpr const char *examples = R"(Examples:
   vela enhance photo.bmp out               smoothed, sharpened and 4:2:2 copies in directory out
   vela convert photo.bmp photo.nv12 --to NV12   pictures and raw video from one pixel layout to another
   vela formats                             the layouts and the conversions
+  vela tonemap graded.dpx graded.bmp       a PQ picture of BT.2020, tone-mapped for a display of 100 cd/m2
+  vela curves                              the transfer curves as CSV
 )";
 
 #if defined(VELA_AUDIO)
@@ -73,6 +75,8 @@ int run(std::vector<std::string> arguments)
     addEnhanceCommand(app, session);
     addConvertCommand(app, session);
     addFormatsCommand(app, session);
+    addTonemapCommand(app, session);
+    addCurvesCommand(app, session);
 #if defined(VELA_AUDIO)
     addAudioCommand(app, session);
 #endif
