@@ -1,15 +1,14 @@
-// vela tonemap: a picture from one transfer curve, dynamic range and gamut to another. vela curves: the curves as data.
+// vela tonemap: a picture from one transfer curve, dynamic range and gamut to another.
 #include "commands.hpp"
 #include "dpx.hpp"
 #include "failure.hpp"
 #include "files.hpp"
 #include "gamuts.hpp"
+#include "hdr_curves.hpp"
 #include "options.hpp"
 #include "paths.hpp"
 #include "rows.hpp"
 #include "slots.hpp"
-
-#include <vela/hdr.h>
 
 #include <charconv>
 #include <cmath>
@@ -21,37 +20,6 @@ namespace host {
 namespace {
 
 // --- Names ---------------------------------------------------------------------------------------------------
-
-// What light 1.0 is.
-enum class Light { hundredCandelas, peak };
-
-struct Curve {
-    const char *name;
-    VcbHdrCurve code;
-    Light light;
-};
-
-constexpr Curve curves[] = {
-    {"bt709", VCB_HDR_BT709, Light::peak},
-    {"bt601", VCB_HDR_BT601, Light::peak},
-    {"bt2020-12bit", VCB_HDR_BT2020_12BIT, Light::peak},
-    {"power2.2", VCB_HDR_POWER_2_2, Light::peak},
-    {"power2.4", VCB_HDR_POWER_2_4, Light::peak},
-    {"power2.6", VCB_HDR_POWER_2_6, Light::peak},
-    {"power2.8", VCB_HDR_POWER_2_8, Light::peak},
-    {"pq", VCB_HDR_PQ, Light::hundredCandelas},
-    {"hlg", VCB_HDR_HLG, Light::hundredCandelas},
-    {"hlg-scene", VCB_HDR_HLG_SCENE, Light::peak},
-    {"s-log2", VCB_HDR_S_LOG2, Light::peak},
-    {"s-log3", VCB_HDR_S_LOG3, Light::peak},
-    {"s-log3-high", VCB_HDR_S_LOG3_HIGH, Light::peak},
-    {"canon-log", VCB_HDR_CANON_LOG, Light::peak},
-    {"canon-log2", VCB_HDR_CANON_LOG2, Light::peak},
-    {"canon-log3", VCB_HDR_CANON_LOG3, Light::peak},
-    {"log3g10", VCB_HDR_LOG3G10, Light::peak},
-    {"v-log", VCB_HDR_V_LOG, Light::peak},
-    {"log-210", VCB_HDR_LOG_210, Light::peak},
-};
 
 struct Mode {
     const char *name;
@@ -168,23 +136,12 @@ float gainOf(Light mapped, Light target, float dstPeak)
     return target == Light::peak ? 100 / dstPeak : dstPeak / 100;
 }
 
-// Four by four, for R, G, B, A.
-std::array<float, 16> kernelMatrix(const Matrix3 &gamut, double gain)
-{
-    std::array<float, 16> matrix{};
-    for (std::size_t i = 0; i < 3; ++i)
-        for (std::size_t j = 0; j < 3; ++j)
-            matrix[4 * i + j] = static_cast<float>(gamut[i][j] * gain);
-    matrix[15] = 1;
-    return matrix;
-}
-
 Task taskOf(const TonemapOptions &options)
 {
     Task task{entryOf(curves, options.from), entryOf(curves, options.to), entryOf(modes, options.mode), 0, 0, 1, {}};
     readPeaks(options.peak, task.srcPeak, task.dstPeak);
     task.gain = gainOf(task.mode.light, task.to.light, task.dstPeak);
-    task.matrix = kernelMatrix(gamutOf(options.primaries), static_cast<double>(task.gain));
+    task.matrix = hdrMatrix(gamutOf(options.primaries), static_cast<double>(task.gain));
     return task;
 }
 
@@ -324,111 +281,6 @@ void runTonemap(TonemapOptions options, Session &session)
     std::cout << "\nwrote " << options.output << '\n';
 }
 
-// --- vela curves ---------------------------------------------------------------------------------------------
-
-constexpr int stepsOfLight = 4096; // in a unit of the encoding tables
-constexpr double largestLight = 64;
-
-// Looks single values up in the tables of slot 400, through slot 401.
-class CurveReader {
-public:
-    explicit CurveReader(const Library &library) : procs(LIBRARY_EXPORT(library, VCB_RegColorSpace))
-    {
-        for (const int slot : {VcbColorSpaceProcs_CscSetupHdrConversion, VcbColorSpaceProcs_CscConvertHdrPixels})
-            requireSlot("colorspace", procs.colorSpace, slot, library.processorLevel());
-    }
-
-    // Light by code value, 0..1. Slot 401 returns 0..1 in steps of 1/4096 where, as in a process that has set up no
-    // target, encoding is the identity; so light is first brought as far up into that range as powers of two can.
-    std::vector<double> decoded(const Curve &curve, const std::vector<double> &codeValues) const
-    {
-        setUp(curve.code, VcbHdrCurve{});
-        std::vector<double> light;
-        for (const double code : codeValues) {
-            const double positive = magnitude(code, 1);
-            light.push_back(positive > 0 ? positive : 0 - magnitude(code, -1));
-        }
-        return light;
-    }
-
-    // Code values by light.
-    std::vector<double> encoded(const Curve &curve, const std::vector<double> &light) const
-    {
-        setUp(VCB_HDR_POWER_2_2, curve.code); // decodes 1 as 1; the matrix makes light of it
-        std::vector<double> codeValues(light.size());
-        std::ranges::transform(light, codeValues.begin(), [&](double x) { return converted(1, x); });
-        return codeValues;
-    }
-
-private:
-    void setUp(VcbHdrCurve from, VcbHdrCurve to) const
-    {
-        const HdrConversionParams params = VELA_HDR_CONVERSION_DEFAULTS;
-        procs.colorSpace.CscSetupHdrConversion(from, to, &params);
-    }
-
-    double converted(double code, double gain) const
-    {
-        const auto grey = static_cast<float>(code);
-        const float pixel[4] = {grey, grey, grey, 1};
-        const Matrix3 unity{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-        float result[4];
-        procs.colorSpace.CscConvertHdrPixels(pixel, result, kernelMatrix(unity, gain).data(), 1);
-        return static_cast<double>(result[0]);
-    }
-
-    double magnitude(double code, double sign) const
-    {
-        double gain = 4096;
-        double result = converted(code, sign * gain);
-        for (; result == 1; result = converted(code, sign * gain))
-            gain /= 2;
-        return result / gain;
-    }
-
-    const vela::ColorSpaceProcs procs;
-};
-
-// From the first step of light to the largest, each so many times the one before; steps that the tables have.
-std::vector<double> lightsToEncode(int rows)
-{
-    std::vector<double> lights;
-    for (int i = 0; i < rows; ++i) {
-        const double octaves = std::log2(largestLight * stepsOfLight) * i / (rows - 1);
-        const double light = std::round(std::exp2(octaves)) / stepsOfLight;
-        if (lights.empty() || light > lights.back())
-            lights.push_back(light);
-    }
-    return lights;
-}
-
-std::vector<double> codesToDecode(int rows)
-{
-    std::vector<double> codes(static_cast<std::size_t>(rows));
-    for (std::size_t i = 0; i < codes.size(); ++i)
-        codes[i] = static_cast<double>(i) / (rows - 1);
-    return codes;
-}
-
-void runCurves(bool encode, int rows, Session &session)
-{
-    const CurveReader reader(session.library());
-    const std::vector<double> arguments = encode ? lightsToEncode(rows) : codesToDecode(rows);
-    std::vector<std::vector<double>> columns;
-    std::cout << (encode ? "light" : "code");
-    for (const Curve &curve : curves) {
-        std::cout << ',' << curve.name;
-        columns.push_back(encode ? reader.encoded(curve, arguments) : reader.decoded(curve, arguments));
-    }
-    std::cout << '\n';
-    for (std::size_t row = 0; row < arguments.size(); ++row) {
-        std::cout << formatted("%.7g", arguments[row]);
-        for (const std::vector<double> &column : columns)
-            std::cout << formatted(",%.7g", column[row]);
-        std::cout << '\n';
-    }
-}
-
 constexpr const char *tonemapFooter =
     R"(IN is a DPX picture of 10-bit RGB or an uncompressed BMP of 24 or 32 bits; OUT is a BMP of 24 bits, without alpha.
 
@@ -445,10 +297,6 @@ Examples:
   vela tonemap graded.dpx graded.bmp --from pq --to bt709 --primaries bt2020:bt709 --mode bt2390 --peak 1000:100
   vela tonemap graded.dpx clipped.bmp --mode none
   vela tonemap camera.dpx look.bmp --from v-log --to bt709 --primaries v-gamut:bt709 --mode none)";
-
-constexpr const char *curvesFooter =
-    R"(Prints CSV: a column for every curve of 'vela tonemap', as the library's own tables have it. Decoded: light by code
-value, 0 to 1; light is as exact as its first eleven bits. Encoded: code values by light, 1/4096 to 64.)";
 
 } // namespace
 
@@ -479,20 +327,6 @@ void addTonemapCommand(CLI::App &app, Session &session)
     addThreads(command, options->threads);
     command.footer(tonemapFooter);
     command.callback([options, &session] { runTonemap(*options, session); });
-}
-
-void addCurvesCommand(CLI::App &app, Session &session)
-{
-    struct CurvesOptions {
-        bool encode = false;
-        int rows = 257;
-    };
-    const auto options = std::make_shared<CurvesOptions>();
-    CLI::App &command = *app.add_subcommand("curves", "Print the transfer curves of 'vela tonemap' as CSV");
-    command.add_flag("--encode", options->encode, "Code values by light, rather than light by code value");
-    addNumber(command, "--rows", options->rows, 2, 4096, "Rows, 2 to 4096; equal ones are printed once");
-    command.footer(curvesFooter);
-    command.callback([options, &session] { runCurves(options->encode, options->rows, session); });
 }
 
 } // namespace host
