@@ -134,9 +134,10 @@ public:
         : tracks(openTracks(options)), format(outputFormat(options, tracks.front().file)),
           channels(tracks.front().file.channels()), rate(tracks.front().file.rate()),
           factor(options.upsample4 ? Upsampler::factor : 1), blockFrames(framesOfBlock(channels, options.upsample4)),
-          steps(library), kernels(library, steps, channels, blockFrames * factor), bus(channels, blockFrames),
-          input(channels, blockFrames * factor), upsampled(channels, options.upsample4 ? blockFrames * factor : 0),
-          bytes(blockFrames * factor * static_cast<std::size_t>(channels) * sizeof(double)),
+          outputBlockFrames(blockFrames * static_cast<std::size_t>(factor)), steps(library),
+          kernels(library, steps, channels, outputBlockFrames), bus(channels, blockFrames),
+          input(channels, outputBlockFrames), upsampled(channels, options.upsample4 ? outputBlockFrames : 0),
+          bytes(outputBlockFrames * static_cast<std::size_t>(channels) * sizeof(double)),
           output(static_cast<std::size_t>(channels))
     {
         for (const Track &track : tracks)
@@ -334,6 +335,7 @@ private:
     int rate; // of the inputs, as the frames are
     int factor;
     std::size_t blockFrames;
+    std::size_t outputBlockFrames;
     std::int64_t frames = 0;
     Steps steps;
     SampleKernels kernels;

@@ -149,11 +149,11 @@ Phases upsamplingPhases()
     constexpr double beta = 5.874; // Kaiser's, 0.1102 * (A - 8.7) for an A of 62 dB
     constexpr double end = 6;
     Phases phases{};
-    for (int p = 0; p < 4; ++p) {
+    for (std::size_t p = 0; p < 4; ++p) {
         double sum = 0;
-        for (int j = 0; j < 12; ++j) {
-            const double time = p / 4.0 + 5 - j;
-            double &tap = phases[static_cast<std::size_t>(12 * p + j)];
+        for (std::size_t j = 0; j < 12; ++j) {
+            const double time = static_cast<double>(p) / 4 + 5 - static_cast<double>(j);
+            double &tap = phases[12 * p + j];
             if (std::abs(time) >= end)
                 continue;
             const double window = bessel0(beta * std::sqrt(1 - std::pow(time / end, 2))) / bessel0(beta);
@@ -161,8 +161,8 @@ Phases upsamplingPhases()
             sum += tap;
         }
         // What is constant stays so: all phases let it pass alike.
-        for (int j = 0; j < 12; ++j)
-            phases[static_cast<std::size_t>(12 * p + j)] /= sum;
+        for (std::size_t j = 0; j < 12; ++j)
+            phases[12 * p + j] /= sum;
     }
     return phases;
 }
