@@ -134,7 +134,7 @@ TEST_F(Filters, ImpulsesCrossTheEndsOfBlocks)
 {
     const Sections filter = section("lowpass", 500, 20);
     for (const Format &format : {s16, s24, f32}) {
-        for (const std::size_t place : {0, 16382, 16383, 16384, 20000}) {
+        for (const std::size_t place : {0u, 16382u, 16383u, 16384u, 20000u}) {
             Sound impulse{1, rate, std::vector<double>(20001)};
             impulse.samples[place] = 0.5;
             const Outcome outcome =
@@ -219,7 +219,7 @@ TEST_F(Filters, EveryFourthSampleIsOneOfTheInput)
 {
     for (const int channels : {1, 2, 1000}) {
         for (const Format &format : {s16, s24, f32}) {
-            for (const std::size_t frames : {1, 5, 6, 7, 4095, 4096, 4097, 9001}) {
+            for (const std::size_t frames : {1u, 5u, 6u, 7u, 4095u, 4096u, 4097u, 9001u}) {
                 if (channels > 2 && frames > 7)
                     continue;
                 const Sound sound = noise(frames, channels, format, 1);
