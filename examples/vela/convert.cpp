@@ -1,4 +1,5 @@
-// vela convert: raw video frames and pictures from one layout to another. vela formats: what there is to choose from.
+// vela convert: raw video frames and pictures from one layout to another, sharpened on the way. vela formats: what
+// there is to choose from.
 #include "commands.hpp"
 #include "conversions.hpp"
 #include "failure.hpp"
@@ -9,6 +10,7 @@
 #include "slots.hpp"
 
 #include <charconv>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -27,6 +29,7 @@ struct ConvertOptions {
     int runs = 1;
     int threads = 1;
     std::optional<int> alpha;
+    std::optional<double> sharpenLuma;
 };
 
 constexpr int opaque = 255;
@@ -159,7 +162,7 @@ Step makeStep(const Conversion &conversion, const VcbColorSpaceProcs &table, int
 std::vector<Step> findSteps(const Layout &from, const Layout &to, const Library &library, const Colours &colours)
 {
     if (&from == &to)
-        throw UsageError(std::string("the input is ") + from.name + " already");
+        return {};
     const std::vector<const Conversion *> way = findWay(from, to, colours.yuvRange == VCB_CSC_FULL);
     if (way.empty())
         throw UsageError(std::string("no conversions lead from ") + from.name + " to " + to.name);
@@ -217,6 +220,114 @@ void convertLines(const Step &step, Frame &to, Frame &from, int first, int end, 
     }
 }
 
+// --- Sharpening ----------------------------------------------------------------------------------------------
+
+// A kernel for rows of luma, and where luma is in them: in samples, those between it and the next one too.
+struct LumaRows {
+    int slot;
+    int sampleBytes;
+    int samplesPerPixel;
+    int firstLuma;
+};
+
+// Empty if no kernel takes rows of this layout. Those for words limit at 65535, which is no limit for ten bits.
+std::optional<LumaRows> lumaRowsOf(const Layout &layout)
+{
+    const std::string_view name = layout.name;
+    if (name == "YUYV" || name == "YVYU")
+        return LumaRows{VcbSignalProcs_SharpenLuma422YFirst8, 1, 2, 0};
+    if (name == "UYVY")
+        return LumaRows{VcbSignalProcs_SharpenLuma422CFirst8, 1, 2, 1};
+    if (name == "Y216")
+        return LumaRows{VcbSignalProcs_SharpenLuma422YFirst16, 2, 2, 0};
+    const bool isPlane = (layout.model == Model::yuv && layout.planeCount() > 1) || layout.model == Model::grey;
+    if (isPlane && layout.depth == 8)
+        return LumaRows{VcbSignalProcs_SharpenLumaVariant3, 1, 1, 0};
+    if (isPlane && layout.depth == 16)
+        return LumaRows{VcbSignalProcs_SharpenLumaVariant6, 2, 1, 0};
+    return {};
+}
+
+struct Sharpening {
+    std::size_t frame; // on the way: 0 is the input
+    LumaRows rows;
+    SlotInUse slot;
+    VcbSignalProcs table;
+    uint32_t shift; // the amount is 2^-shift
+    std::vector<double> seconds;
+};
+
+uint32_t shiftFor(double amount)
+{
+    for (uint32_t shift = 0; shift <= 4; ++shift)
+        if (amount == 1.0 / (1 << shift))
+            return shift;
+    throw UsageError("--sharpen-luma takes 1, 0.5, 0.25, 0.125 or 0.0625");
+}
+
+// Sharpens the first frame on the way that has rows of luma.
+Sharpening findSharpening(double amount, const Layout &input, const std::vector<Step> &steps, const Library &library)
+{
+    std::vector<const Layout *> frames{&input};
+    for (const Step &step : steps)
+        frames.push_back(step.conversion->to);
+    const auto frame =
+        std::ranges::find_if(frames, [](const Layout *layout) { return lumaRowsOf(*layout).has_value(); });
+    if (frame == frames.end())
+        throw UsageError("--sharpen-luma: neither " + std::string(input.name) + " nor what becomes of it has rows of " +
+                         "8- or 16-bit luma, as packed 4:2:2 (YUYV, UYVY, YVYU, Y216) and planes have");
+    const LumaRows rows = *lumaRowsOf(**frame);
+    const vela::SignalProcs procs(LIBRARY_EXPORT(library, VCB_RegSignalProc));
+    return {static_cast<std::size_t>(frame - frames.begin()),
+            rows,
+            requireSlot("signal", procs.signal, rows.slot, library.processorLevel()),
+            procs.signal,
+            shiftFor(amount),
+            {}};
+}
+
+template <class Sample, class Kernel>
+void sharpenRow(Kernel kernel, std::byte *to, const Frame &from, int y, uint32_t shift)
+{
+    const auto row = [&](int line) {
+        return reinterpret_cast<const Sample *>(from.row(0, std::clamp(line, 0, from.height() - 1)));
+    };
+    kernel(reinterpret_cast<Sample *>(to), row(y - 1), row(y), row(y + 1), shift, from.width());
+}
+
+// Luma of the lines [first, end); chroma is in `to` already.
+void sharpenLines(const Sharpening &sharpening, Frame &to, const Frame &from, int first, int end)
+{
+    const VcbSignalProcs &table = sharpening.table;
+    const LumaRows &rows = sharpening.rows;
+    const auto luma = [&](std::byte *row, int pixel) {
+        return row + (pixel * rows.samplesPerPixel + rows.firstLuma) * rows.sampleBytes;
+    };
+    for (int y = first; y < end; ++y) {
+        std::byte *const row = to.row(0, y);
+        switch (rows.slot) {
+        case VcbSignalProcs_SharpenLuma422YFirst8:
+            sharpenRow<uint8_t>(table.SharpenLuma422YFirst8, row, from, y, sharpening.shift);
+            break;
+        case VcbSignalProcs_SharpenLuma422CFirst8:
+            sharpenRow<uint8_t>(table.SharpenLuma422CFirst8, row, from, y, sharpening.shift);
+            break;
+        case VcbSignalProcs_SharpenLumaVariant3:
+            sharpenRow<uint8_t>(table.SharpenLumaVariant3, row, from, y, sharpening.shift);
+            break;
+        case VcbSignalProcs_SharpenLuma422YFirst16:
+            sharpenRow<uint16_t>(table.SharpenLuma422YFirst16, row, from, y, sharpening.shift);
+            break;
+        default:
+            sharpenRow<uint16_t>(table.SharpenLumaVariant6, row, from, y, sharpening.shift);
+            break;
+        }
+        // At an odd width the last pair repeats the last pixel.
+        if (rows.samplesPerPixel == 2 && from.width() % 2 == 1)
+            std::memcpy(luma(row, from.width()), luma(row, from.width() - 1), std::size_t(rows.sampleBytes));
+    }
+}
+
 // --- The job -------------------------------------------------------------------------------------------------
 
 std::string arrows(const std::vector<Step> &steps)
@@ -232,13 +343,14 @@ void checkAlpha(const Layout &to, const std::vector<Step> &steps)
     if (to.alphaBits == 0)
         throw UsageError(std::string("--alpha: ") + to.name + " has no alpha");
     if (std::ranges::none_of(steps, [](const Step &step) { return step.conversion->takesAlpha; }))
-        throw UsageError("--alpha: no kernel of " + arrows(steps) + " takes one");
+        throw UsageError("--alpha: no kernel of " + (steps.empty() ? to.name : arrows(steps)) + " takes one");
 }
 
 void printTask(const ConvertOptions &options, const Input &input, const std::vector<Step> &steps)
 {
+    const Layout &target = steps.empty() ? *input.layout : *steps.back().conversion->to;
     std::cout << options.input << ": " << counted(input.frames, "frame") << " of " << input.width << " x "
-              << input.height << ", " << input.layout->name << " to " << steps.back().conversion->to->name << " on "
+              << input.height << ", " << input.layout->name << " to " << target.name << " on "
               << counted(options.threads, "thread") << '\n';
     if (std::ranges::any_of(
             steps, [](const Step &step) { return step.conversion->takesYuvToRgb || step.conversion->takesRgbToYuv; }))
@@ -248,16 +360,24 @@ void printTask(const ConvertOptions &options, const Input &input, const std::vec
     std::cout << '\n';
 }
 
-void printSpeeds(const std::vector<Step> &steps, const Input &input)
+void printSpeeds(const std::vector<Step> &steps, const std::optional<Sharpening> &sharpening, const Input &input)
 {
     const double megapixels = 1e-6 * input.width * input.height;
     Table table = tableOfSteps("Mpixel/s");
-    for (const Step &step : steps)
-        addStep(table, arrows({step}), step.slot, formatted("%.0f", megapixels / medianOf(step.seconds)));
+    for (std::size_t frame = 0; frame <= steps.size(); ++frame) {
+        const auto add = [&](const std::string &name, const SlotInUse &slot, const std::vector<double> &seconds) {
+            addStep(table, name, slot, formatted("%.0f", megapixels / medianOf(seconds)));
+        };
+        if (sharpening && sharpening->frame == frame)
+            add("sharpen luma", sharpening->slot, sharpening->seconds);
+        if (frame < steps.size())
+            add(arrows({steps[frame]}), steps[frame].slot, steps[frame].seconds);
+    }
     table.print(std::cout);
 }
 
-void convertFrames(const ConvertOptions &options, const Input &input, Output &output, std::vector<Step> &steps)
+void convertFrames(const ConvertOptions &options, const Input &input, Output &output, std::vector<Step> &steps,
+                   std::optional<Sharpening> &sharpening)
 {
     const int alpha = options.alpha.value_or(opaque);
     std::vector<Frame> frames{{*input.layout, input.width, input.height}};
@@ -269,13 +389,27 @@ void convertFrames(const ConvertOptions &options, const Input &input, Output &ou
                          alpha);
         });
     };
+    const auto repeat = [&](std::vector<double> &seconds, const auto &work) {
+        for (int run = 0; run < options.runs; ++run)
+            seconds.push_back(secondsOf(work));
+    };
+    const auto sharpen = [&](Frame &frame) {
+        const Frame original = frame;
+        repeat(sharpening->seconds, [&] {
+            overRows(input.height, options.threads,
+                     [&](int first, int end) { sharpenLines(*sharpening, frame, original, first, end); });
+        });
+    };
     Progress progress;
     for (std::int64_t frame = 0; frame < input.frames; ++frame) {
         progress.show("frame " + std::to_string(frame + 1) + " of " + std::to_string(input.frames));
         input.read(frames.front());
-        for (std::size_t step = 0; step < steps.size(); ++step)
-            for (int run = 0; run < options.runs; ++run)
-                steps[step].seconds.push_back(secondsOf([&] { convert(step); }));
+        for (std::size_t step = 0; step <= steps.size(); ++step) {
+            if (sharpening && sharpening->frame == step)
+                sharpen(frames[step]);
+            if (step < steps.size())
+                repeat(steps[step].seconds, [&] { convert(step); });
+        }
         output.write(frames.back());
     }
 }
@@ -288,15 +422,20 @@ void runConvert(ConvertOptions options, Session &session)
     const Input input = openInput(options, library);
     const Layout &target = outputLayout(options, input);
     std::vector<Step> steps = findSteps(*input.layout, target, library, coloursOf(options));
+    if (steps.empty() && !options.sharpenLuma)
+        throw UsageError(std::string("the input is ") + target.name + " already");
     if (options.alpha)
         checkAlpha(target, steps);
+    std::optional<Sharpening> sharpening;
+    if (options.sharpenLuma)
+        sharpening = findSharpening(*options.sharpenLuma, *input.layout, steps, library);
     checkIsNotInput(path, pathFromUtf8(options.input));
 
     Output output(path, isBmpName(options.output), library);
-    convertFrames(options, input, output, steps);
+    convertFrames(options, input, output, steps, sharpening);
     output.finish();
     printTask(options, input, steps);
-    printSpeeds(steps, input);
+    printSpeeds(steps, sharpening, input);
     std::cout << "\nwrote " << options.output << '\n';
     if (input.bytesLeft != 0)
         throw Failure(quoted(pathFromUtf8(options.input)) + " ends within a frame: after " +
@@ -380,10 +519,15 @@ Where no slot converts directly, the conversion is composed of the few that lose
 which. Matrix and ranges count between YUV and RGB, and for grey, which is full range. Until it is complete, OUT has the
 name OUT.part. Speeds are those of the median run.
 
+--sharpen-luma adds this much of 4 * Y less its four neighbours to each Y: 1, 0.5, 0.25, 0.125 or 0.0625. It works on
+the first frame on the way, IN and OUT among them, whose luma lies in rows of 8 or 16 bits: 4:2:2 as YUYV, UYVY, YVYU,
+Y216 or in planes, and other layouts in planes. With it, IN and OUT may have the same layout.
+
 Examples:
   vela convert photo.bmp photo.nv12 --to NV12 --matrix bt601
   vela convert video.nv12 video.v210 --from NV12 --to V210 --size 1920x1080 --threads 2
-  vela convert frame.v210 frame.bmp --from V210 --size 1920x1080)";
+  vela convert frame.v210 frame.bmp --from V210 --size 1920x1080
+  vela convert photo.bmp sharp.uyvy --to UYVY --sharpen-luma 0.25)";
 
 constexpr const char *formatsFooter =
     R"(bits: of a sample, the fewest; 32 is float. bytes: of each plane, for a pixel or for so many pixels x lines. ffmpeg:
@@ -414,6 +558,7 @@ void addConvertCommand(CLI::App &app, Session &session)
     command.add_option("--alpha", options->alpha, "Alpha of pixels that had none, 0 to 255 (default: 255)")
         ->type_name("A")
         ->check(CLI::Range(0, opaque).description(""));
+    command.add_option("--sharpen-luma", options->sharpenLuma, "Sharpen luma, by 1/16 to 1")->type_name("AMOUNT");
     addNumber(command, "--runs", options->runs, 1, 1000, "Timed runs over every frame, 1 to 1000");
     addThreads(command, options->threads);
     command.footer(convertFooter);

@@ -1,9 +1,6 @@
 #include "samples.hpp"
 
-#include "rows.hpp"
-
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 
@@ -40,66 +37,33 @@ double decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
 double amplitude(double decibels) { return std::pow(10, decibels / 20); }
 
-double Step::megasamplesPerSecond() const { return 1e-6 / medianOf(secondsPerSample); }
-
-SampleKernels::SampleKernels(const Library &library, int channels, std::size_t framesOfBlock)
-    : procs(LIBRARY_EXPORT(library, VCB_RegMemProc)), level(library.processorLevel()),
+SampleKernels::SampleKernels(const Library &library, Steps &stepsOfAll, int channels, std::size_t framesOfBlock)
+    : procs(LIBRARY_EXPORT(library, VCB_RegMemProc)), steps(stepsOfAll),
       interleaved(static_cast<std::size_t>(channels) * framesOfBlock), bytes(interleaved.size())
 {
 }
 
-// --- Slots and time ------------------------------------------------------------------------------------------
+// --- Slots ---------------------------------------------------------------------------------------------------
 
-template <class SubTable>
-SampleKernels::Place SampleKernels::placeIn(const char *name, const SubTable &table, int number) const
-{
-    return {name, vela::slotInfo<SubTable>(), number, vela::slotPointer(table, static_cast<std::size_t>(number))};
-}
+Place SampleKernels::arithmetic(int number) const { return placeIn("mem.arithOps", procs.arithOps, number); }
 
-SampleKernels::Place SampleKernels::arithmetic(int number) const
-{
-    return placeIn("mem.arithOps", procs.arithOps, number);
-}
-
-SampleKernels::Place SampleKernels::conversion(int number) const
+Place SampleKernels::conversion(int number) const
 {
     return placeIn("mem.sampleFormatOps", procs.sampleFormatOps, number);
 }
 
-SampleKernels::Place SampleKernels::fill(int number) const { return placeIn("mem.fillOps", procs.fillOps, number); }
+Place SampleKernels::fill(int number) const { return placeIn("mem.fillOps", procs.fillOps, number); }
 
-SampleKernels::Place SampleKernels::misc(int number) const { return placeIn("mem.miscOps", procs.miscOps, number); }
+Place SampleKernels::misc(int number) const { return placeIn("mem.miscOps", procs.miscOps, number); }
 
-SampleKernels::Place SampleKernels::order(int number) const { return placeIn("mem.orderOps", procs.orderOps, number); }
-
-// The slot is looked up, and its kernel required, when the step is first made.
-Step &SampleKernels::stepAt(const char *name, const Place &place)
-{
-    const auto step = std::ranges::find_if(stepsInOrder, [&](const Step &known) {
-        return known.name == name && known.slot.family == place.table && known.slot.info->number == place.number;
-    });
-    if (step != stepsInOrder.end())
-        return *step;
-    return stepsInOrder.emplace_back(
-        Step{name, requireSlot(place.table, place.list, place.number, place.kernel, level), {}});
-}
-
-template <class Work> void SampleKernels::run(const char *name, const Place &place, std::size_t samples, Work work)
-{
-    using Clock = std::chrono::steady_clock;
-    Step &step = stepAt(name, place);
-    const Clock::time_point start = Clock::now();
-    work();
-    const std::chrono::duration<double> time = Clock::now() - start;
-    step.secondsPerSample.push_back(time.count() / static_cast<double>(samples));
-}
+Place SampleKernels::order(int number) const { return placeIn("mem.orderOps", procs.orderOps, number); }
 
 // --- Between the form of a file and planes -------------------------------------------------------------------
 
 void SampleKernels::bytesToFloats(float *to, const std::byte *from, SampleType type, std::size_t samples)
 {
     const VcbSampleFormatOps &ops = procs.sampleFormatOps;
-    const auto convert = [&](int slot, auto work) { run("to float", conversion(slot), samples, work); };
+    const auto convert = [&](int slot, auto work) { steps.run("to float", conversion(slot), samples, work); };
     switch (type) {
     case SampleType::u8:
         std::transform(from, from + samples, bytes.begin(), turnedSign);
@@ -116,8 +80,8 @@ void SampleKernels::bytesToFloats(float *to, const std::byte *from, SampleType t
                 [&] { ops.ConvertS32ToF32Scaled(to, as<int32_t>(from), samples); });
         break;
     case SampleType::f32:
-        run("to float", order(VcbMemOrderOps_MemCopy), samples,
-            [&] { procs.orderOps.MemCopy(to, from, samples * sizeof(float)); });
+        steps.run("to float", order(VcbMemOrderOps_MemCopy), samples,
+                  [&] { procs.orderOps.MemCopy(to, from, samples * sizeof(float)); });
         break;
     case SampleType::f64:
         convert(VcbSampleFormatOps_ConvertF64ToF32, [&] { ops.ConvertF64ToF32(to, as<double>(from), samples); });
@@ -128,7 +92,7 @@ void SampleKernels::bytesToFloats(float *to, const std::byte *from, SampleType t
 void SampleKernels::floatsToBytes(std::byte *to, const float *from, SampleType type, std::size_t samples)
 {
     const VcbSampleFormatOps &ops = procs.sampleFormatOps;
-    const auto convert = [&](int slot, auto work) { run("from float", conversion(slot), samples, work); };
+    const auto convert = [&](int slot, auto work) { steps.run("from float", conversion(slot), samples, work); };
     switch (type) {
     case SampleType::u8:
         convert(VcbSampleFormatOps_ConvertF32ToS8, [&] { ops.ConvertF32ToS8(as<int8_t>(to), from, samples); });
@@ -144,8 +108,8 @@ void SampleKernels::floatsToBytes(std::byte *to, const float *from, SampleType t
         convert(VcbSampleFormatOps_ConvertF32ToS32, [&] { ops.ConvertF32ToS32(as<int32_t>(to), from, samples); });
         break;
     case SampleType::f32:
-        run("from float", order(VcbMemOrderOps_MemCopy), samples,
-            [&] { procs.orderOps.MemCopy(to, from, samples * sizeof(float)); });
+        steps.run("from float", order(VcbMemOrderOps_MemCopy), samples,
+                  [&] { procs.orderOps.MemCopy(to, from, samples * sizeof(float)); });
         break;
     case SampleType::f64:
         convert(VcbSampleFormatOps_ConvertF32ToF64, [&] { ops.ConvertF32ToF64(as<double>(to), from, samples); });
@@ -158,12 +122,12 @@ void SampleKernels::split(Planes &to, const float *from, std::size_t frames)
     const int channels = to.channels();
     const std::size_t samples = frames * static_cast<std::size_t>(channels);
     if (channels == 2) {
-        run("split", misc(VcbMemMiscOps_MemDeinterleave32), samples,
-            [&] { procs.miscOps.MemDeinterleave32(bits(to.plane(0)), bits(to.plane(1)), bits(from), frames); });
+        steps.run("split", misc(VcbMemMiscOps_MemDeinterleave32), samples,
+                  [&] { procs.miscOps.MemDeinterleave32(bits(to.plane(0)), bits(to.plane(1)), bits(from), frames); });
         return;
     }
     // A run is one sample, a row one frame.
-    run("split", misc(VcbMemMiscOps_MemCopyStrided), samples, [&] {
+    steps.run("split", misc(VcbMemMiscOps_MemCopyStrided), samples, [&] {
         for (int channel = 0; channel < channels; ++channel)
             procs.miscOps.MemCopyStrided(bytesOf(to.plane(channel)), bytesOf(from + channel), sizeof(float),
                                          channels * static_cast<int64_t>(sizeof(float)), sizeof(float), frames);
@@ -175,11 +139,11 @@ void SampleKernels::join(float *to, const Planes &from, std::size_t frames)
     const int channels = from.channels();
     const std::size_t samples = frames * static_cast<std::size_t>(channels);
     if (channels == 2) {
-        run("join", misc(VcbMemMiscOps_MemPackOp25), samples,
-            [&] { procs.miscOps.MemPackOp25(bits(to), bits(from.plane(0)), bits(from.plane(1)), frames); });
+        steps.run("join", misc(VcbMemMiscOps_MemPackOp25), samples,
+                  [&] { procs.miscOps.MemPackOp25(bits(to), bits(from.plane(0)), bits(from.plane(1)), frames); });
         return;
     }
-    run("join", misc(VcbMemMiscOps_MemCopyStrided), samples, [&] {
+    steps.run("join", misc(VcbMemMiscOps_MemCopyStrided), samples, [&] {
         for (int channel = 0; channel < channels; ++channel)
             procs.miscOps.MemCopyStrided(bytesOf(to + channel), bytesOf(from.plane(channel)),
                                          channels * static_cast<int64_t>(sizeof(float)), sizeof(float), sizeof(float),
@@ -210,29 +174,29 @@ void SampleKernels::toFile(std::byte *to, const Planes &from, const SampleFormat
 void SampleKernels::clear(Planes &planes, std::size_t frames)
 {
     for (int channel = 0; channel < planes.channels(); ++channel)
-        run("clear", fill(VcbMemFillOps_MemFill32), frames,
-            [&] { procs.fillOps.MemFill32(bits(planes.plane(channel)), 0, frames); }); // 0.0f has no bit set
+        steps.run("clear", fill(VcbMemFillOps_MemFill32), frames,
+                  [&] { procs.fillOps.MemFill32(bits(planes.plane(channel)), 0, frames); }); // 0.0f has no bit set
 }
 
 void SampleKernels::mixInto(Planes &bus, const Planes &from, float gain, std::size_t frames)
 {
     for (int channel = 0; channel < bus.channels(); ++channel)
-        run("gain and mix", misc(VcbMemMiscOps_MemGainAddF32), frames,
-            [&] { procs.miscOps.MemGainAddF32(bus.plane(channel), from.plane(channel), gain, frames); });
+        steps.run("gain and mix", misc(VcbMemMiscOps_MemGainAddF32), frames,
+                  [&] { procs.miscOps.MemGainAddF32(bus.plane(channel), from.plane(channel), gain, frames); });
 }
 
 void SampleKernels::scale(Planes &planes, double gain, std::size_t frames)
 {
     for (int channel = 0; channel < planes.channels(); ++channel)
-        run("normalize", misc(VcbMemMiscOps_MemScaleF32ToF32), frames,
-            [&] { procs.miscOps.MemScaleF32ToF32(planes.plane(channel), planes.plane(channel), gain, frames); });
+        steps.run("normalize", misc(VcbMemMiscOps_MemScaleF32ToF32), frames,
+                  [&] { procs.miscOps.MemScaleF32ToF32(planes.plane(channel), planes.plane(channel), gain, frames); });
 }
 
 float SampleKernels::peakOf(const float *plane, std::size_t frames)
 {
     float peak = 0;
-    run("peak", arithmetic(VcbMemArithOps_MemReduceF32), frames,
-        [&] { peak = procs.arithOps.MemReduceF32(plane, frames); });
+    steps.run("peak", arithmetic(VcbMemArithOps_MemReduceF32), frames,
+              [&] { peak = procs.arithOps.MemReduceF32(plane, frames); });
     return peak;
 }
 
@@ -243,8 +207,8 @@ void SampleKernels::measure(std::vector<Level> &levels, const Planes &planes, st
         const float *plane = planes.plane(channel);
         all.peak = std::max(all.peak, peakOf(plane, frames));
         // A block is short enough for sums in float; those of the blocks are added in double.
-        run("RMS", arithmetic(VcbMemArithOps_MemSumSquaresF32), frames,
-            [&] { all.sumOfSquares += procs.arithOps.MemSumSquaresF32(plane, static_cast<int32_t>(frames)); });
+        steps.run("RMS", arithmetic(VcbMemArithOps_MemSumSquaresF32), frames,
+                  [&] { all.sumOfSquares += procs.arithOps.MemSumSquaresF32(plane, static_cast<int32_t>(frames)); });
         all.samples += static_cast<std::int64_t>(frames);
     }
 }

@@ -1,10 +1,8 @@
 // Blocks of sound and the kernels of the memory family that work on them, each call timed.
 #pragma once
 
-#include "slots.hpp"
+#include "steps.hpp"
 #include "wav.hpp"
-
-#include <deque>
 
 namespace host {
 
@@ -39,20 +37,11 @@ struct Level {
 double decibels(double amplitude);
 double amplitude(double decibels);
 
-// A kernel at one place of the work, and how long it took.
-struct Step {
-    std::string name;
-    SlotInUse slot;
-    std::vector<double> secondsPerSample; // of every call
-
-    double megasamplesPerSecond() const; // of the median call
-};
-
 // The steps from a file to a mix and back. Every function works on the given number of frames, which its planes and
 // bytes must hold. Throws Failure where a kernel is missing.
 class SampleKernels {
 public:
-    SampleKernels(const Library &library, int channels, std::size_t framesOfBlock);
+    SampleKernels(const Library &library, Steps &steps, int channels, std::size_t framesOfBlock);
 
     void fromFile(Planes &to, const std::byte *from, const SampleFormat &format, std::size_t frames);
     // Whole numbers must lie within full scale: see limit.
@@ -69,26 +58,12 @@ public:
     // float below 1: the kernels that write 24 and 32 bits wrap at 1.
     std::int64_t limit(Planes &planes, std::size_t frames);
 
-    // In the order of their first use.
-    const std::deque<Step> &steps() const { return stepsInOrder; }
-
 private:
-    // A slot of the memory family.
-    struct Place {
-        const char *table;
-        std::span<const VcbSlotInfo> list;
-        int number;
-        VcbKernel kernel;
-    };
-    template <class SubTable> Place placeIn(const char *name, const SubTable &table, int number) const;
     Place arithmetic(int number) const;
     Place conversion(int number) const;
     Place fill(int number) const;
     Place misc(int number) const;
     Place order(int number) const;
-
-    template <class Work> void run(const char *name, const Place &place, std::size_t samples, Work work);
-    Step &stepAt(const char *name, const Place &place);
 
     float peakOf(const float *plane, std::size_t frames);
     void bytesToFloats(float *to, const std::byte *from, SampleType type, std::size_t samples);
@@ -97,8 +72,7 @@ private:
     void join(float *to, const Planes &from, std::size_t frames);
 
     vela::MemProcs procs;
-    int32_t level;
-    std::deque<Step> stepsInOrder;
+    Steps &steps;
     std::vector<float> interleaved; // between the form of the file and planes
     std::vector<std::byte> bytes;   // 8-bit samples with their sign turned over
 };

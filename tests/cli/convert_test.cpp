@@ -398,6 +398,91 @@ TEST_F(Convert, AlphaComesFromTheOption)
     EXPECT_EQ(convert(times(width * height, {9, 8, 7, 6}), "BGRA32", "A8"), times(width * height, {6}));
 }
 
+// --- Sharpening ----------------------------------------------------------------------------------------------
+
+// Where luma lies: its first sample, and from one to the next; all in samples.
+struct LumaPlace {
+    const char *layout;
+    std::size_t sampleBytes;
+    std::size_t first;
+    std::size_t step;
+    std::size_t rowSamples;
+    std::size_t frameBytes;
+};
+
+// Noise of such a frame; of pairs, the last one repeats the last pixel.
+Bytes frameFor(const LumaPlace &place)
+{
+    Bytes frame = noise(static_cast<int>(place.frameBytes), 1, 1).pixels;
+    for (std::size_t y = 0; place.step == 2 && y < height; ++y)
+        for (std::size_t i = 0; i < place.sampleBytes; ++i) {
+            const std::size_t last = (y * place.rowSamples + place.first + 2 * (width - 1)) * place.sampleBytes + i;
+            frame[last + 2 * place.sampleBytes] = frame[last];
+        }
+    return frame;
+}
+
+Bytes sharpened(const Bytes &frame, const LumaPlace &place, int part)
+{
+    const auto offset = [&](int x, int y) {
+        return (static_cast<std::size_t>(y) * place.rowSamples + place.first +
+                static_cast<std::size_t>(x) * place.step) *
+               place.sampleBytes;
+    };
+    const auto luma = [&](int x, int y) {
+        const std::size_t at = offset(std::clamp(x, 0, width - 1), std::clamp(y, 0, height - 1));
+        return place.sampleBytes == 1 ? frame[at] : frame[at] + 256 * frame[at + 1];
+    };
+    Bytes result = frame;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width + (place.step == 2); ++x) {
+            const int at = std::min(x, width - 1); // what fills the last pair repeats the last pixel
+            const int others = luma(at, y - 1) + luma(at, y + 1) + luma(at - 1, y) + luma(at + 1, y);
+            const double more = std::floor((4 * luma(at, y) - others) / static_cast<double>(part));
+            const int sum = std::clamp(luma(at, y) + static_cast<int>(more), 0, place.sampleBytes == 1 ? 255 : 65535);
+            for (std::size_t i = 0; i < place.sampleBytes; ++i)
+                result[offset(x, y) + i] = static_cast<std::uint8_t>(sum >> (8 * i));
+        }
+    }
+    return result;
+}
+
+TEST_F(Convert, SharpensLumaAndLeavesChromaAlone)
+{
+    const LumaPlace places[] = {
+        {"YUYV", 1, 0, 2, 16, 80}, {"YVYU", 1, 0, 2, 16, 80}, {"UYVY", 1, 1, 2, 16, 80}, {"Y216", 2, 0, 2, 16, 160},
+        {"I422", 1, 0, 1, 7, 75},  {"NV16", 1, 0, 1, 7, 75},  {"P216", 2, 0, 1, 7, 150}, {"I216", 2, 0, 1, 7, 150},
+        {"NV12", 1, 0, 1, 7, 59},  {"I444", 1, 0, 1, 7, 105}, {"GREY8", 1, 0, 1, 7, 35}, {"GREY16", 2, 0, 1, 7, 70},
+    };
+    constexpr std::pair<const char *, int> amounts[] = {{"1", 1}, {"0.5", 2}, {"0.125", 8}, {"0.0625", 16}};
+    std::size_t next = 0;
+    for (const LumaPlace &place : places) {
+        const auto &[amount, part] = amounts[next++ % std::size(amounts)];
+        const std::string options = std::string("--sharpen-luma ") + amount;
+        const Bytes frame = frameFor(place);
+        const Bytes twoFrames = frame + Bytes(frame.rbegin(), frame.rend());
+        const Bytes wanted = sharpened(frame, place, part);
+        const Bytes made = convert(twoFrames, place.layout, place.layout, options);
+        ASSERT_EQ(made.size(), 2 * frame.size());
+        EXPECT_TRUE(std::equal(wanted.begin(), wanted.end(), made.begin())) << place.layout << ' ' << options;
+        EXPECT_TRUE(std::regex_search(lastOutput, std::regex("sharpen luma +SharpenLuma\\w+ +signal [1-6] +SSE2")))
+            << lastOutput;
+        EXPECT_EQ(convert(twoFrames, place.layout, place.layout, options + " --threads 3 --runs 2"), made);
+    }
+}
+
+TEST_F(Convert, SharpensOnceOnTheWay)
+{
+    const LumaPlace uyvy{"UYVY", 1, 1, 2, 16, 80};
+    const LumaPlace yuyv{"YUYV", 1, 0, 2, 16, 80};
+    const Bytes frame = frameFor(uyvy);
+    const std::string options = "--sharpen-luma 0.25";
+    EXPECT_EQ(convert(frame, "UYVY", "BGR24", options), convert(sharpened(frame, uyvy, 4), "UYVY", "BGR24"));
+    EXPECT_EQ(convert(frame, "UYVY", "NV12", options), convert(sharpened(frame, uyvy, 4), "UYVY", "NV12"));
+    const Bytes picture = noise(width * height * 3, 1, 1).pixels;
+    EXPECT_EQ(convert(picture, "BGR24", "YUYV", options), sharpened(convert(picture, "BGR24", "YUYV"), yuyv, 4));
+}
+
 // --- Files ---------------------------------------------------------------------------------------------------
 
 TEST_F(Convert, ReadsAndWritesPictures)
@@ -480,6 +565,12 @@ TEST_F(Convert, ProblemsAreOneLineAndLeaveTheOutputAlone)
         {in + out + "--from NV12 --to BGRA32 --alpha 256" + size, 2, "--alpha"},
         {in + out + "--from NV12 --to RGB24 --alpha 9" + size, 2, "--alpha: RGB24 has no alpha"},
         {in + out + "--from NV12 --to F32x4 --alpha 9" + size, 2, "--alpha: no kernel of NV12 > F32x4"},
+        {in + out + "--from NV12 --to RGB24 --sharpen-luma" + size, 2, "--sharpen-luma"},
+        {in + out + "--from NV12 --to RGB24 --sharpen-luma much" + size, 2, "--sharpen-luma"},
+        {in + out + "--from NV12 --to RGB24 --sharpen-luma 0.3" + size, 2, "0.25, 0.125 or 0.0625"},
+        {in + out + "--from NV12 --to RGB24 --sharpen-luma 2" + size, 2, "takes 1, 0.5"},
+        {in + out + "--from I210 --to I210 --sharpen-luma 1 --size 2x2", 2, "neither I210 nor what becomes of it"},
+        {bmp + out + "--to BGRA32 --sharpen-luma 0.5", 2, "neither BGR24 nor what becomes of it has rows"},
         {in + outBmp + "--from NV12 --to RGB24" + size, 2, "BGR24 or BGRA32, not RGB24"},
         {in + outBmp + "--from NV12" + size, 1, "holds 2 frames"},
         {bmp + out + "--to NV12 --from BGR24", 2, "for raw frames"},
