@@ -275,7 +275,7 @@ VcbKernel oracleFor(const KernelTable &table, const TierKernels &tier, std::size
 
 int bench(const Options &options)
 {
-    const std::vector<KernelTable> tables = kernelTables();
+    const std::vector<KernelTable> &tables = kernelTables();
     const std::regex filter(options.filter, std::regex::icase);
     std::vector<std::unique_ptr<Duel>> duels;
     for (const KernelTable &table : tables) {

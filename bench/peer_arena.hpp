@@ -140,7 +140,7 @@ struct Contest {
 
 class Arena {
 public:
-    explicit Arena(const Options &options) : options_(options), tables_(kernelTables()) {}
+    explicit Arena(const Options &options) : options_(options) {}
 
     // A contest of the kernel `member`, which `call` calls with rows for its arguments. Results of the others may
     // differ by the tolerance; a negative one stands for results of another kind. A call counts elements; `item` of
@@ -253,7 +253,7 @@ private:
     std::vector<Contestant> tiersOf(Function Table::*member, std::string &name, Call call) const
     {
         std::vector<Contestant> found;
-        for (const KernelTable &table : tables_) {
+        for (const KernelTable &table : kernelTables()) {
             if (table.type != typeid(Table))
                 continue;
             for (const TierKernels &tier : table.tiers) {
@@ -412,7 +412,6 @@ private:
     }
 
     const Options &options_;
-    std::vector<KernelTable> tables_;
     std::list<Contest> contests_; // benchmarks refer to them
 };
 

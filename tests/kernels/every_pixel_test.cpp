@@ -91,7 +91,7 @@ TEST(EveryPixel, IsTheOracles)
         {"CscRgb32ToHsvPlanes", pixelRow<4>, toHues(&Procs::CscRgb32ToHsvPlanes)},
         {"CscRgb32ToHsvPlanesB", pixelRow<4>, toHues(&Procs::CscRgb32ToHsvPlanesB)},
     };
-    const std::vector<KernelTable> tables = kernelTables();
+    const std::vector<KernelTable> &tables = kernelTables();
     const auto table = std::ranges::find(tables, std::type_index(typeid(Procs)), &KernelTable::type);
     ASSERT_NE(table, tables.end());
     const std::int32_t step = samplesDomains() ? 85 : 1;

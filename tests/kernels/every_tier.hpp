@@ -12,8 +12,7 @@ namespace vela::test {
 // Calls check with the oracle's table, then with the tiers'; slots that a tier has not are the oracle's.
 template <class Table, class Check> void onEveryTier(Check check)
 {
-    static const std::vector<KernelTable> tables = kernelTables();
-    for (const KernelTable &table : tables) {
+    for (const KernelTable &table : kernelTables()) {
         if (table.type != typeid(Table))
             continue;
         const auto &oracle = *static_cast<const Table *>(table.oracle);

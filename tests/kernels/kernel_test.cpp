@@ -27,12 +27,6 @@ std::uint64_t seed()
     return value;
 }
 
-const std::vector<KernelTable> &tables()
-{
-    static const std::vector<KernelTable> all = kernelTables();
-    return all;
-}
-
 class KernelTest : public testing::Test {
 public:
     KernelTest(const KernelTable &table, const TierKernels &tier, const KernelCase &kernelCase)
@@ -74,7 +68,7 @@ private:
 void registerKernelTests()
 {
     const int level = VCB_GetCPUInsHigh();
-    for (const KernelTable &table : tables())
+    for (const KernelTable &table : kernelTables())
         for (const TierKernels &tier : table.tiers)
             for (const KernelCase &kernelCase : table.cases)
                 if (level >= tier.needs && kernelAt(tier.table, kernelCase.slot))
@@ -91,7 +85,7 @@ bool needsNoCase(const VcbSlotInfo &info)
 
 TEST(SlotLists, EverySlotHasACaseAndAnOracle)
 {
-    for (const KernelTable &table : tables()) {
+    for (const KernelTable &table : kernelTables()) {
         std::set<std::string> kernels;
         std::set<std::string> names;
         for (const KernelCase &kernelCase : table.cases) {
@@ -109,12 +103,12 @@ TEST(SlotLists, EveryCaseBelongsToATable)
 {
     std::set<std::string> labels;
     std::size_t distributed = 0;
-    for (const KernelTable &table : tables()) {
+    for (const KernelTable &table : kernelTables()) {
         EXPECT_TRUE(labels.insert(table.label).second) << table.label << " twice";
         distributed += table.cases.size();
     }
     for (const KernelCase &kernelCase : allCases())
-        EXPECT_TRUE(std::any_of(tables().begin(), tables().end(),
+        EXPECT_TRUE(std::any_of(kernelTables().begin(), kernelTables().end(),
                                 [&](const KernelTable &table) { return table.type == kernelCase.table; }))
             << "no table of type " << kernelCase.table.name() << " for the case of its slot " << kernelCase.slot;
     EXPECT_EQ(distributed, allCases().size());
@@ -137,7 +131,7 @@ TEST(SlotLists, ATierMayHaveResultsOfItsOwn)
 
 TEST(SlotLists, CasesDescribeTheSignature)
 {
-    for (const KernelTable &table : tables())
+    for (const KernelTable &table : kernelTables())
         for (const KernelCase &kernelCase : table.cases)
             EXPECT_EQ(contradiction(kernelCase).value_or(""), "") << caseName(table, kernelCase);
 }
@@ -145,7 +139,7 @@ TEST(SlotLists, CasesDescribeTheSignature)
 // A tier table holds kernels exactly where the list says so: nothing forgotten, nothing more.
 TEST(SlotLists, TiersProvideWhatTheListSays)
 {
-    for (const KernelTable &table : tables()) {
+    for (const KernelTable &table : kernelTables()) {
         for (const TierKernels &tier : table.tiers) {
             if (!tier.tier)
                 continue;
@@ -164,7 +158,7 @@ TEST(SlotLists, EveryKernelHasAnAddressOfItsOwn)
 {
     std::map<VcbKernel, std::string> owners;
     std::map<std::string, VcbKernel> addresses;
-    for (const KernelTable &table : tables()) {
+    for (const KernelTable &table : kernelTables()) {
         for (const TierKernels &tier : table.tiers) {
             for (const VcbSlotInfo &info : table.slots) {
                 const VcbKernel kernel = kernelAt(tier.table, static_cast<std::size_t>(info.number));
@@ -188,7 +182,7 @@ TEST(Exhaustive, SharpenOverAllPairs)
         a[i] = static_cast<uint8_t>(i >> 8);
         b[i] = static_cast<uint8_t>(i);
     }
-    for (const KernelTable &table : tables()) {
+    for (const KernelTable &table : kernelTables()) {
         for (const TierKernels &tier : table.tiers) {
             if (table.type != typeid(VcbVideoProcs) || VCB_GetCPUInsHigh() < tier.needs)
                 continue;

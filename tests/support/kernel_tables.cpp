@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 
 namespace vela::test {
@@ -52,8 +53,9 @@ std::string labelOf(std::type_index type)
 template <class Table> KernelTable kernelTable(const Table &oracle, std::vector<TierKernels> tiers)
 {
     const std::type_index type = typeid(Table);
-    std::vector<KernelCase> cases = allCases();
-    std::erase_if(cases, [type](const KernelCase &kernelCase) { return kernelCase.table != type; });
+    std::vector<KernelCase> cases;
+    std::ranges::copy_if(allCases(), std::back_inserter(cases),
+                         [type](const KernelCase &kernelCase) { return kernelCase.table == type; });
     return {type,    labelOf(type),    slotInfo<Table>(), sizeof(Table) / sizeof(VcbKernel),
             &oracle, std::move(tiers), std::move(cases)};
 }
@@ -74,18 +76,21 @@ TierKernels wideTexts(const void *table, const void *oracle = nullptr)
 
 } // namespace
 
-std::vector<KernelCase> allCases()
+const std::vector<KernelCase> &allCases()
 {
-    std::vector<KernelCase> all;
-    for (const auto &topic : {audioCases(), colorSpaceCases(), math3dCases(), matrixCases(), memMoveCases(),
-                              memByteCases(), memFloatCases(), memFormatCases(), signalCases(), videoCases()})
-        all.insert(all.end(), topic.begin(), topic.end());
-    return all;
+    static const std::vector<KernelCase> cases = [] {
+        std::vector<KernelCase> all;
+        for (const auto &topic : {audioCases(), colorSpaceCases(), math3dCases(), matrixCases(), memMoveCases(),
+                                  memByteCases(), memFloatCases(), memFormatCases(), signalCases(), videoCases()})
+            all.insert(all.end(), topic.begin(), topic.end());
+        return all;
+    }();
+    return cases;
 }
 
-std::vector<KernelTable> kernelTables()
+const std::vector<KernelTable> &kernelTables()
 {
-    return {
+    static const std::vector<KernelTable> tables = {
         kernelTable(oracle::audioProcs, {sse2(&audioProcsSse2), avx(&audioProcsAvx, &oracle::audioProcsOfAvx),
                                          wideTexts(&audioProcsWide, &oracle::audioProcsOfAvx)}),
         kernelTable(oracle::audioEffects, {sse2(&audioEffectsSse2), wideTexts(&audioEffectsWide)}),
@@ -107,6 +112,7 @@ std::vector<KernelTable> kernelTables()
         kernelTable(oracle::math3dIdentity, {sse2(&math3dIdentitySse2), wideTexts(&math3dIdentityWide)}),
         kernelTable(oracle::math3dCross, {sse2(&math3dCrossSse2), wideTexts(&math3dCrossWide)}),
     };
+    return tables;
 }
 
 VcbKernel kernelAt(const void *table, std::size_t slot)

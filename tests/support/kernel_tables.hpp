@@ -41,10 +41,10 @@ std::vector<KernelCase> signalCases();
 std::vector<KernelCase> videoCases();
 std::vector<KernelCase> matrixCases();
 std::vector<KernelCase> math3dCases();
-std::vector<KernelCase> allCases();
+const std::vector<KernelCase> &allCases();
 
-// All sub-tables that have kernels.
-std::vector<KernelTable> kernelTables();
+// All sub-tables that have kernels. Made once: there are some thousand cases.
+const std::vector<KernelTable> &kernelTables();
 
 VcbKernel kernelAt(const void *table, std::size_t slot);
 VcbKernel oracleAt(const void *base, const void *ofTier, std::size_t slot);
