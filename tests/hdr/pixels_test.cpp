@@ -315,11 +315,11 @@ TEST_F(HdrPixels, AnythingEndsUpWithin0And1)
     const Parameter floats = parameterOf<float *>();
     for (const std::int32_t mode : {0, 1, 2, 3}) {
         for (const std::int32_t code : {4, 16, 18, 100, 110, 210}) {
+            Setting setting = settingOf(code, code, mode, 1, mode == 2 ? std::numeric_limits<float>::infinity() : 1,
+                                        std::numeric_limits<float>::quiet_NaN());
+            setting.params.adjustGain = 1e20F;
+            prepare(setting);
             for (const float(*matrix)[16] : {&identity, &toBt709, &wild}) {
-                Setting setting = settingOf(code, code, mode, 1, mode == 2 ? std::numeric_limits<float>::infinity() : 1,
-                                            std::numeric_limits<float>::quiet_NaN());
-                setting.params.adjustGain = 1e20F;
-                prepare(setting);
                 for (const Fill fill : fills) {
                     fillRow(reinterpret_cast<std::uint8_t *>(pixels.data()), pixels.size() * sizeof(float), floats,
                             fill, random);
