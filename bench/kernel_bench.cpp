@@ -275,10 +275,9 @@ VcbKernel oracleFor(const KernelTable &table, const TierKernels &tier, std::size
 
 int bench(const Options &options)
 {
-    const std::vector<KernelTable> &tables = kernelTables();
     const std::regex filter(options.filter, std::regex::icase);
     std::vector<std::unique_ptr<Duel>> duels;
-    for (const KernelTable &table : tables) {
+    for (const KernelTable &table : kernelTables()) {
         for (const KernelCase &kernelCase : table.cases) {
             for (const TierKernels &tier : table.tiers) {
                 if (!tier.tier || VCB_GetCPUInsHigh() < tier.needs || !kernelAt(tier.table, kernelCase.slot))

@@ -253,21 +253,18 @@ private:
     std::vector<Contestant> tiersOf(Function Table::*member, std::string &name, Call call) const
     {
         std::vector<Contestant> found;
-        for (const KernelTable &table : kernelTables()) {
-            if (table.type != typeid(Table))
+        const KernelTable &table = kernelTableOf(typeid(Table));
+        for (const TierKernels &tier : table.tiers) {
+            const Function kernel = static_cast<const Table *>(tier.table)->*member;
+            if (!kernel || VCB_GetCPUInsHigh() < tier.needs || !(tier.tier || options_.wide))
                 continue;
-            for (const TierKernels &tier : table.tiers) {
-                const Function kernel = static_cast<const Table *>(tier.table)->*member;
-                if (!kernel || VCB_GetCPUInsHigh() < tier.needs || !(tier.tier || options_.wide))
-                    continue;
-                found.push_back(
-                    {"vela", "", tier.name, [kernel, call](unsigned count) { call(kernel, count); }, false, {}});
-            }
-            const auto *first = reinterpret_cast<const VcbKernel *>(table.tiers.front().table);
-            const auto *own =
-                reinterpret_cast<const VcbKernel *>(&(static_cast<const Table *>(table.tiers.front().table)->*member));
-            name = slotInfoOf(table, static_cast<std::size_t>(own - first)).name;
+            found.push_back(
+                {"vela", "", tier.name, [kernel, call](unsigned count) { call(kernel, count); }, false, {}});
         }
+        const auto *first = reinterpret_cast<const VcbKernel *>(table.tiers.front().table);
+        const auto *own =
+            reinterpret_cast<const VcbKernel *>(&(static_cast<const Table *>(table.tiers.front().table)->*member));
+        name = slotInfoOf(table, static_cast<std::size_t>(own - first)).name;
         return found;
     }
 

@@ -1,10 +1,8 @@
 // Audio kernels: results computed by hand, so that kernel and oracle cannot err together, and domains that are small
 // enough to try everything.
 
+#include "every_tier.hpp"
 #include "oracles/oracles.hpp"
-#include "support/kernel_tables.hpp"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
@@ -203,31 +201,26 @@ TEST(AudioMix, LimitsAndTies)
 TEST(AudioMix, AllSamples)
 {
     constexpr std::array<int, 5> corners = {-32768, -1, 0, 1, 32767};
-    for (const KernelTable &table : kernelTables()) {
-        for (const TierKernels &tier : table.tiers) {
-            const auto &kernels = *static_cast<const VcbAudioProcs *>(tier.table);
-            if (table.type != typeid(VcbAudioProcs) || VCB_GetCPUInsHigh() < tier.needs || !kernels.AudioMixS16)
-                continue;
-            std::vector<int16_t> samples(65536);
-            std::vector<int32_t> words(65536);
+    onTiersWith(&VcbAudioProcs::AudioMixS16, [&](const auto &tier, const VcbAudioProcs &kernels) {
+        std::vector<int16_t> samples(65536);
+        std::vector<int32_t> words(65536);
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            samples[i] = static_cast<int16_t>(i);
+            words[i] = static_cast<int32_t>(65537u * static_cast<uint32_t>(i));
+        }
+        for (const int corner : corners) {
+            std::vector<int16_t> sums(samples.size(), static_cast<int16_t>(corner));
+            std::vector<int32_t> wideSums(words.size(), corner * 65536);
+            kernels.AudioMixS16(sums.data(), samples.data(), 65536, 1);
+            kernels.AudioMixS32(wideSums.data(), words.data(), 65536, 1);
             for (std::size_t i = 0; i < samples.size(); ++i) {
-                samples[i] = static_cast<int16_t>(i);
-                words[i] = static_cast<int32_t>(65537u * static_cast<uint32_t>(i));
-            }
-            for (const int corner : corners) {
-                std::vector<int16_t> sums(samples.size(), static_cast<int16_t>(corner));
-                std::vector<int32_t> wideSums(words.size(), corner * 65536);
-                kernels.AudioMixS16(sums.data(), samples.data(), 65536, 1);
-                kernels.AudioMixS32(wideSums.data(), words.data(), 65536, 1);
-                for (std::size_t i = 0; i < samples.size(); ++i) {
-                    ASSERT_EQ(sums[i], std::clamp(samples[i] + corner, -32768, 32767)) << tier.name << ": " << i;
-                    const float exact = static_cast<float>(words[i]) + static_cast<float>(corner * 65536);
-                    ASSERT_EQ(wideSums[i], std::clamp(static_cast<double>(exact), -2147483648.0, 2147483392.0))
-                        << tier.name << ": " << i;
-                }
+                ASSERT_EQ(sums[i], std::clamp(samples[i] + corner, -32768, 32767)) << tier << ": " << i;
+                const float exact = static_cast<float>(words[i]) + static_cast<float>(corner * 65536);
+                ASSERT_EQ(wideSums[i], std::clamp(static_cast<double>(exact), -2147483648.0, 2147483392.0))
+                    << tier << ": " << i;
             }
         }
-    }
+    });
 }
 
 // --- Effects -------------------------------------------------------------------------------------------------

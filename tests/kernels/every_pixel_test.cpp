@@ -91,15 +91,13 @@ TEST(EveryPixel, IsTheOracles)
         {"CscRgb32ToHsvPlanes", pixelRow<4>, toHues(&Procs::CscRgb32ToHsvPlanes)},
         {"CscRgb32ToHsvPlanesB", pixelRow<4>, toHues(&Procs::CscRgb32ToHsvPlanesB)},
     };
-    const std::vector<KernelTable> &tables = kernelTables();
-    const auto table = std::ranges::find(tables, std::type_index(typeid(Procs)), &KernelTable::type);
-    ASSERT_NE(table, tables.end());
+    const KernelTable &table = kernelTableOf(typeid(Procs));
     const std::int32_t step = samplesDomains() ? 85 : 1;
     for (const auto &slot : slots)
         for (std::int32_t first = 0; first < 256; first += step) {
             const Bytes row = slot.row(first);
-            const Bytes expected = slot.convert(*static_cast<const Procs *>(table->oracle), row);
-            for (const TierKernels &tier : table->tiers) {
+            const Bytes expected = slot.convert(*static_cast<const Procs *>(table.oracle), row);
+            for (const TierKernels &tier : table.tiers) {
                 const Procs &kernels = *static_cast<const Procs *>(tier.table);
                 if (VCB_GetCPUInsHigh() < tier.needs || !kernels.CscBgraToYuyv2020) // a tier has all of them, or none
                     continue;

@@ -2,10 +2,8 @@
 //
 // VELA_CHECK_SEED=N repeats a run; VELA_CHECK_QUICK=1 thins it out for emulators.
 
+#include "every_tier.hpp"
 #include "support/kernel_check.hpp"
-#include "support/kernel_tables.hpp"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -182,18 +180,14 @@ TEST(Exhaustive, SharpenOverAllPairs)
         a[i] = static_cast<uint8_t>(i >> 8);
         b[i] = static_cast<uint8_t>(i);
     }
-    for (const KernelTable &table : kernelTables()) {
-        for (const TierKernels &tier : table.tiers) {
-            if (table.type != typeid(VcbVideoProcs) || VCB_GetCPUInsHigh() < tier.needs)
-                continue;
-            std::vector<uint8_t> out(a.size());
-            static_cast<const VcbVideoProcs *>(tier.table)->SharpenU8(out.data(), a.data(), b.data(), 65536);
-            for (std::size_t i = 0; i < out.size(); ++i) {
-                const double exact = a[i] + std::floor((5.0 * (a[i] - b[i]) + 8.0) / 16.0);
-                ASSERT_EQ(out[i], std::clamp(exact, 0.0, 255.0)) << tier.name << ": " << int{a[i]} << ", " << int{b[i]};
-            }
+    onTiersWith(&VcbVideoProcs::SharpenU8, [&](const auto &tier, const VcbVideoProcs &kernels) {
+        std::vector<uint8_t> out(a.size());
+        kernels.SharpenU8(out.data(), a.data(), b.data(), 65536);
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            const double exact = a[i] + std::floor((5.0 * (a[i] - b[i]) + 8.0) / 16.0);
+            ASSERT_EQ(out[i], std::clamp(exact, 0.0, 255.0)) << tier << ": " << int{a[i]} << ", " << int{b[i]};
         }
-    }
+    });
 }
 
 } // namespace

@@ -1,10 +1,8 @@
 // The byte kernels: worked examples for their oracles, and proofs over whole domains.
 
+#include "every_tier.hpp"
 #include "oracles/oracles.hpp"
 #include "support/domains.hpp"
-#include "support/kernel_tables.hpp"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -23,24 +21,6 @@ using Mix = void(VCB_CALL *)(uint8_t *, const uint8_t *, const uint8_t *, double
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-// Calls run(tier, table) with every tier that this processor has and that provides a kernel.
-template <class Table, class Kernel, class Run> void onEveryTier(Kernel Table::*kernel, Run run)
-{
-    int tiers = 0;
-    for (const KernelTable &table : kernelTables()) {
-        if (table.type != typeid(Table))
-            continue;
-        for (const TierKernels &tier : table.tiers) {
-            const Table &kernels = *static_cast<const Table *>(tier.table);
-            if (VCB_GetCPUInsHigh() < tier.needs || !(kernels.*kernel))
-                continue;
-            run(tier.name, kernels);
-            ++tiers;
-        }
-    }
-    EXPECT_GT(tiers, 0);
-}
 
 // --- Worked examples -----------------------------------------------------------------------------------------
 
@@ -335,10 +315,10 @@ TEST(ByteMixes, KernelsEqualOraclesOverAllPairs)
                 EXPECT_EQ(difference(out, expected), "") << mix.name << " on " << tier << " by " << weight;
             };
             if (mix.inArith)
-                onEveryTier(mix.inArith,
+                onTiersWith(mix.inArith,
                             [&](const auto &tier, const Arith &table) { compare(tier, table.*mix.inArith); });
             else
-                onEveryTier(mix.inMisc, [&](const auto &tier, const Misc &table) { compare(tier, table.*mix.inMisc); });
+                onTiersWith(mix.inMisc, [&](const auto &tier, const Misc &table) { compare(tier, table.*mix.inMisc); });
         }
     }
 }
@@ -356,7 +336,7 @@ TEST(ByteMixes, GainsOverAllBytes)
                 EXPECT_LE(std::abs(expected[x] - std::clamp(gain * static_cast<double>(x), 0.0, 255.0)), tolerance)
                     << gain << " * " << x;
         }
-        onEveryTier(&Arith::MemScale8, [&](const auto &tier, const Arith &table) {
+        onTiersWith(&Arith::MemScale8, [&](const auto &tier, const Arith &table) {
             Bytes out(256);
             table.MemScale8(out.data(), bytes.data(), gain, 256);
             EXPECT_EQ(out, expected) << tier << " by " << gain;
@@ -375,7 +355,7 @@ TEST(ByteMixes, MasksOverAllPairs)
             const Bytes mask(pairs.a.size(), static_cast<uint8_t>(m));
             oracle::memMiscOps.MemMixOp47(expected.data(), pairs.a.data(), pairs.b.data(), mask.data(), weight,
                                           out.size());
-            onEveryTier(&Misc::MemMixOp47, [&](const auto &tier, const Misc &table) {
+            onTiersWith(&Misc::MemMixOp47, [&](const auto &tier, const Misc &table) {
                 table.MemMixOp47(out.data(), pairs.a.data(), pairs.b.data(), mask.data(), weight, out.size());
                 EXPECT_EQ(difference(out, expected), "") << tier << ", mask " << m << " by " << weight;
             });
@@ -418,7 +398,7 @@ TEST(ByteMixes, SumsOverAllPairs)
             };
             oracle::memMiscOps.MemMixOp37(expected.data(), rows[0], rows[1], ofA, ofB, out.size());
             EXPECT_LE(worst(), 0.6) << ofA << ", " << ofB;
-            onEveryTier(&Misc::MemMixOp37, [&](const auto &tier, const Misc &table) {
+            onTiersWith(&Misc::MemMixOp37, [&](const auto &tier, const Misc &table) {
                 table.MemMixOp37(out.data(), rows[0], rows[1], ofA, ofB, out.size());
                 EXPECT_EQ(difference(out, expected), "") << "MemMixOp37 on " << tier << " by " << ofA << ", " << ofB;
             });
@@ -427,7 +407,7 @@ TEST(ByteMixes, SumsOverAllPairs)
             const float weights[] = {static_cast<float>(ofA) / 16384, static_cast<float>(ofB) / 16384};
             oracle::memMiscOps.MemMixOp6(expected.data(), rows, weights, 2, out.size());
             EXPECT_LE(worst(), 0.5 + 0.04 * 2) << ofA << ", " << ofB;
-            onEveryTier(&Misc::MemMixOp6, [&](const auto &tier, const Misc &table) {
+            onTiersWith(&Misc::MemMixOp6, [&](const auto &tier, const Misc &table) {
                 table.MemMixOp6(out.data(), rows, weights, 2, out.size());
                 EXPECT_EQ(difference(out, expected), "") << "MemMixOp6 on " << tier << " by " << ofA << ", " << ofB;
             });
@@ -453,7 +433,7 @@ TEST(ByteMixes, WordsAtTheEnds)
             if (weight == 0) {
                 EXPECT_EQ(expected, b);
             }
-            onEveryTier(&Misc::MemMixOp61, [&](const auto &tier, const Misc &table) {
+            onTiersWith(&Misc::MemMixOp61, [&](const auto &tier, const Misc &table) {
                 std::vector<uint16_t> out(65536);
                 table.MemMixOp61(out.data(), a.data(), b.data(), weight, 0, 65535, 65536);
                 EXPECT_TRUE(out == expected) << tier << " by " << weight << ", b " << b[0];
@@ -490,7 +470,7 @@ TEST(ByteCounts, EveryThreshold)
     const Arith &oracle = oracle::memArithOps;
     for (const uint8_t popcnt : {uint8_t{0}, g_CPUID.popcnt}) {
         const Popcnt setting(popcnt);
-        onEveryTier(&Arith::MemCountBelow8, [&](const auto &tier, const Arith &table) {
+        onTiersWith(&Arith::MemCountBelow8, [&](const auto &tier, const Arith &table) {
             for (const uint32_t t : thresholds) {
                 for (const std::size_t n : {a.size(), std::size_t{256}, std::size_t{15}, std::size_t{17}}) {
                     const auto what = [&] {
@@ -527,12 +507,12 @@ TEST(ByteCounts, LongRows)
     const Bytes black(n, 0);
     for (const uint8_t popcnt : {uint8_t{0}, g_CPUID.popcnt}) {
         const Popcnt setting(popcnt);
-        onEveryTier(&Arith::MemCountEqual8, [&](const auto &tier, const Arith &table) {
+        onTiersWith(&Arith::MemCountEqual8, [&](const auto &tier, const Arith &table) {
             EXPECT_EQ(table.MemCountEqual8(white.data(), 255, n), n) << tier;
             EXPECT_EQ(table.MemCountBelow8Pair(white.data(), black.data(), 255, n), 0u) << tier;
         });
     }
-    onEveryTier(&Misc::MemMean8, [&](const auto &tier, const Misc &table) {
+    onTiersWith(&Misc::MemMean8, [&](const auto &tier, const Misc &table) {
         EXPECT_EQ(table.MemMean8(white.data(), n), 255.0) << tier;
         EXPECT_EQ(table.MemMeanOp3(white.data(), 255, 255, n), 255.0) << tier;
         EXPECT_EQ(table.MemStatOp24(white.data(), n), 0.0) << tier;
@@ -540,7 +520,7 @@ TEST(ByteCounts, LongRows)
     });
     for (std::size_t i = 0; i < n; i += 2)
         white[i] = 0;
-    onEveryTier(&Misc::MemStatOp38, [&](const auto &tier, const Misc &table) {
+    onTiersWith(&Misc::MemStatOp38, [&](const auto &tier, const Misc &table) {
         EXPECT_EQ(table.MemStatOp38(white.data(), n), 255.0f) << tier;
         EXPECT_EQ(table.MemStatOp24(white.data(), n), oracle::memMiscOps.MemStatOp24(white.data(), n)) << tier;
     });
@@ -548,7 +528,7 @@ TEST(ByteCounts, LongRows)
 
 TEST(ByteComparison, FindsTheFirstDifference)
 {
-    onEveryTier(&VcbMemCompareOps::MemCompare8, [](const auto &tier, const VcbMemCompareOps &table) {
+    onTiersWith(&VcbMemCompareOps::MemCompare8, [](const auto &tier, const VcbMemCompareOps &table) {
         const Bytes a(400, 7);
         for (std::size_t n = 0; n <= 300; ++n) {
             Bytes b = a;

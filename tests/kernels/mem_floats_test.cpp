@@ -1,10 +1,8 @@
 // Float arithmetic, sums, peaks: results computed by hand, so that kernel and oracle cannot err together, and domains
 // that are small enough to try everything.
 
+#include "every_tier.hpp"
 #include "oracles/oracles.hpp"
-#include "support/kernel_tables.hpp"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <bit>
@@ -192,44 +190,31 @@ TEST(MemFloats, IntegerSumsWrap)
     EXPECT_EQ(oracle::memMiscOps.MemMulAddS16(least, least, 2), INT32_MIN);
 
     const std::vector<int16_t> low(131072, -32768), high(131072, 32767);
-    for (const KernelTable &table : kernelTables()) {
-        if (table.type != typeid(VcbMemMiscOps))
-            continue;
-        for (const TierKernels &tier : table.tiers) {
-            const auto &kernels = *static_cast<const VcbMemMiscOps *>(tier.table);
-            if (VCB_GetCPUInsHigh() < tier.needs || !kernels.MemAbsDiffSumS16)
-                continue;
-            EXPECT_EQ(kernels.MemAbsDiffSumS16(low.data(), high.data(), 131071), 4294934528u) << tier.name;
-            EXPECT_EQ(kernels.MemAbsDiffSumS16(low.data(), high.data(), 131072), 0u) << tier.name;
-        }
-    }
+    onTiersWith(&VcbMemMiscOps::MemAbsDiffSumS16, [&](const auto &tier, const VcbMemMiscOps &kernels) {
+        EXPECT_EQ(kernels.MemAbsDiffSumS16(low.data(), high.data(), 131071), 4294934528u) << tier;
+        EXPECT_EQ(kernels.MemAbsDiffSumS16(low.data(), high.data(), 131072), 0u) << tier;
+    });
 }
 
 // Every 16-bit sample through the kernels that take them apart: magnitude, scale, difference.
 TEST(MemFloats, AllSamples)
 {
-    for (const KernelTable &table : kernelTables()) {
-        if (table.type != typeid(VcbMemMiscOps))
+    for (const TierKernels &tier : kernelTableOf(typeid(VcbMemMiscOps)).tiers) {
+        if (VCB_GetCPUInsHigh() < tier.needs)
             continue;
-        for (const TierKernels &tier : table.tiers) {
-            if (VCB_GetCPUInsHigh() < tier.needs)
-                continue;
-            const auto &kernels = *static_cast<const VcbMemMiscOps *>(tier.table);
-            for (int x = -32768; x < 32768; ++x) {
-                const auto sample = static_cast<int16_t>(x);
-                if (kernels.MemMaxAbsS16) {
-                    ASSERT_EQ(kernels.MemMaxAbsS16(&sample, 1), tier.oracle ? std::abs(x) : std::max(x, 0))
-                        << tier.name;
-                }
-                if (kernels.MemSumS16F32) {
-                    ASSERT_EQ(kernels.MemSumS16F32(&sample, 1), x / 32768.0) << tier.name;
-                }
-                if (kernels.MemAbsDiffSumS16) {
-                    for (const int16_t y : std::initializer_list<int16_t>{-32768, -1, 0, 1, 32767}) {
-                        const double exact = std::abs(std::clamp(static_cast<double>(x - y), -32768.0, 32767.0));
-                        ASSERT_EQ(kernels.MemAbsDiffSumS16(&sample, &y, 1), exact)
-                            << tier.name << ": " << x << ", " << y;
-                    }
+        const auto &kernels = *static_cast<const VcbMemMiscOps *>(tier.table);
+        for (int x = -32768; x < 32768; ++x) {
+            const auto sample = static_cast<int16_t>(x);
+            if (kernels.MemMaxAbsS16) {
+                ASSERT_EQ(kernels.MemMaxAbsS16(&sample, 1), tier.oracle ? std::abs(x) : std::max(x, 0)) << tier.name;
+            }
+            if (kernels.MemSumS16F32) {
+                ASSERT_EQ(kernels.MemSumS16F32(&sample, 1), x / 32768.0) << tier.name;
+            }
+            if (kernels.MemAbsDiffSumS16) {
+                for (const int16_t y : std::initializer_list<int16_t>{-32768, -1, 0, 1, 32767}) {
+                    const double exact = std::abs(std::clamp(static_cast<double>(x - y), -32768.0, 32767.0));
+                    ASSERT_EQ(kernels.MemAbsDiffSumS16(&sample, &y, 1), exact) << tier.name << ": " << x << ", " << y;
                 }
             }
         }

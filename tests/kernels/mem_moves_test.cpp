@@ -1,12 +1,10 @@
 // Moves beyond what the kernel check covers: overlaps, strides of any sign, sizes through every class up to streaming
 // stores; and results computed by hand.
 
+#include "every_tier.hpp"
 #include "oracles/oracles.hpp"
 #include "support/domains.hpp"
 #include "support/guarded_buffer.hpp"
-#include "support/kernel_tables.hpp"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -25,27 +23,17 @@ template <class Kernel> struct Named {
 };
 
 // The kernels of a slot at every tier of this processor, the wide texts included.
-template <auto member> auto kernelsOf()
+template <class Table, class Kernel> auto kernelsOf(Kernel Table::*kernel)
 {
-    return []<class Table, class Kernel>(Kernel Table::*pointer) {
-        std::vector<Named<Kernel>> kernels;
-        for (const KernelTable &table : kernelTables()) {
-            if (table.type != typeid(Table))
-                continue;
-            for (const TierKernels &tier : table.tiers)
-                if (const Kernel kernel = static_cast<const Table *>(tier.table)->*pointer;
-                    kernel && VCB_GetCPUInsHigh() >= tier.needs)
-                    kernels.push_back({tier.name, kernel});
-        }
-        EXPECT_FALSE(kernels.empty());
-        return kernels;
-    }(member);
+    std::vector<Named<Kernel>> kernels;
+    onTiersWith(kernel, [&](const std::string &tier, const Table &table) { kernels.push_back({tier, table.*kernel}); });
+    return kernels;
 }
 
 auto moves()
 {
-    auto kernels = kernelsOf<&VcbMemOrderOps::MemCopy>();
-    for (auto &move : kernelsOf<&VcbMemOrderOps::MemMove>())
+    auto kernels = kernelsOf(&VcbMemOrderOps::MemCopy);
+    for (auto &move : kernelsOf(&VcbMemOrderOps::MemMove))
         kernels.push_back({move.name + " MemMove", move.kernel});
     return kernels;
 }
@@ -160,7 +148,7 @@ TEST(MemMove, SizesThroughStreaming)
 template <auto member, class Element, class Value> void expectFills(std::size_t unit, Element, Value value)
 {
     GuardedBuffer row(34 * mebibyte);
-    for (const auto &fill : kernelsOf<member>())
+    for (const auto &fill : kernelsOf(member))
         for (const std::size_t size : sizes())
             for (const std::size_t skew : {0, 13}) {
                 const std::size_t count = size / unit;
@@ -210,8 +198,8 @@ TEST(MemRuns, AnyStrideAndOverlap)
     const struct {
         bool backwards;
         std::vector<Named<decltype(VcbMemMiscOps::MemCopyStrided)>> kernels;
-    } orders[] = {{false, kernelsOf<&VcbMemMiscOps::MemCopyStrided>()},
-                  {true, kernelsOf<&VcbMemMiscOps::MemScatterStrided>()}};
+    } orders[] = {{false, kernelsOf(&VcbMemMiscOps::MemCopyStrided)},
+                  {true, kernelsOf(&VcbMemMiscOps::MemScatterStrided)}};
     const uint64_t lengths[] = {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 75, 129, 300};
     uint64_t state = 1;
     const auto random = [&state](int64_t from, int64_t to) {
@@ -250,7 +238,7 @@ TEST(MemRuns, AnyStrideAndOverlap)
 TEST(MemRuns, StridesThatAreNotUsed)
 {
     for (const auto &kernels :
-         {kernelsOf<&VcbMemMiscOps::MemCopyStrided>(), kernelsOf<&VcbMemMiscOps::MemScatterStrided>()})
+         {kernelsOf(&VcbMemMiscOps::MemCopyStrided), kernelsOf(&VcbMemMiscOps::MemScatterStrided)})
         for (const auto &kernel : kernels)
             for (const int64_t stride : {INT64_MIN, INT64_MAX}) {
                 uint8_t row[2] = {1, 2};

@@ -115,6 +115,14 @@ const std::vector<KernelTable> &kernelTables()
     return tables;
 }
 
+const KernelTable &kernelTableOf(std::type_index type)
+{
+    const auto found = std::ranges::find(kernelTables(), type, &KernelTable::type);
+    if (found == kernelTables().end())
+        throw std::out_of_range(std::string(type.name()) + " has no kernels");
+    return *found;
+}
+
 VcbKernel kernelAt(const void *table, std::size_t slot)
 {
     VcbKernel kernel = nullptr;

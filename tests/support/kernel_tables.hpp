@@ -45,6 +45,7 @@ const std::vector<KernelCase> &allCases();
 
 // All sub-tables that have kernels. Made once: there are some thousand cases.
 const std::vector<KernelTable> &kernelTables();
+const KernelTable &kernelTableOf(std::type_index type); // throws std::out_of_range if it has none
 
 VcbKernel kernelAt(const void *table, std::size_t slot);
 VcbKernel oracleAt(const void *base, const void *ofTier, std::size_t slot);
