@@ -445,7 +445,7 @@ inline f32s greater(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GT_OS
 inline f32s atLeast(f32s a, f32s b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OS)}; }
 
-// To 12 bits, processors differ; infinity for 0.
+// To 11 bits or better, processors differ; infinity for 0.
 inline f32s approximateReciprocal(f32s x) { return {_mm256_rcp_ps(x.v)}; }
 // The same of doubles, by way of floats.
 inline f64s approximateReciprocal(f64s x) { return {_mm256_cvtps_pd(_mm_rcp_ps(_mm256_cvtpd_ps(x.v)))}; }

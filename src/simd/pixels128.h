@@ -327,11 +327,6 @@ inline u32s narrowLanes(i32s a, i32s b, i32s c, i32s d)
     return {_mm_unpacklo_epi16(pairs, _mm_srli_si128(pairs, 8))};
 }
 
-// --- Floats --------------------------------------------------------------------------------------------------
-
-// 1 / x to 11 bits or better, by processor; infinity for 0.
-inline f32s reciprocalEstimate(f32s x) { return {_mm_rcp_ps(x.v)}; }
-
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------
 
 struct ShiftCount {

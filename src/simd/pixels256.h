@@ -332,11 +332,6 @@ inline u32s narrowLanes(i32s a, i32s b, i32s c, i32s d)
     return {_mm256_shuffle_epi8(bytes, _mm256_broadcastsi128_si256(order))};
 }
 
-// --- Floats --------------------------------------------------------------------------------------------------
-
-// 1 / x to 11 bits or better, by processor; infinity for 0.
-inline f32s reciprocalEstimate(f32s x) { return {_mm256_rcp_ps(x.v)}; }
-
 // --- Shifts by a number that a caller gives ------------------------------------------------------------------
 
 struct ShiftCount {

@@ -359,7 +359,7 @@ inline f32s greater(f32s a, f32s b) { return {_mm_cmpgt_ps(a.v, b.v)}; }
 inline f32s atLeast(f32s a, f32s b) { return {_mm_cmpge_ps(a.v, b.v)}; }
 inline f64s atLeast(f64s a, f64s b) { return {_mm_cmpge_pd(a.v, b.v)}; }
 
-// To 12 bits, processors differ; infinity for 0.
+// To 11 bits or better, processors differ; infinity for 0.
 inline f32s approximateReciprocal(f32s x) { return {_mm_rcp_ps(x.v)}; }
 // The same of doubles, by way of floats.
 inline f64s approximateReciprocal(f64s x) { return {_mm_cvtps_pd(_mm_rcp_ps(_mm_cvtpd_ps(x.v)))}; }

@@ -586,7 +586,7 @@ TEST(ColorHues, OfTiesAreMerged)
         return static_cast<int32_t>(h + 0.49999988F);
     };
     for (int d = 1; d < 256; ++d) {
-        const float sixty = static_cast<float>(d) * (approximateReciprocal(static_cast<float>(d)) * 60.0F);
+        const float sixty = static_cast<float>(d) * (estimatedReciprocal(static_cast<float>(d)) * 60.0F);
         EXPECT_EQ(step({{255, 255, 255 - d}, 0}).c[0], merged(sixty, 120 - sixty)) << d;
         EXPECT_EQ(step({{0, d, d}, 0}).c[0], merged(120 + sixty, 240 - sixty)) << d;
         EXPECT_EQ(step({{255, 255 - d, 255}, 0}).c[0], merged(240 + sixty, 360 - sixty)) << d;

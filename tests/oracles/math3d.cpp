@@ -1,7 +1,7 @@
+#include "oracles/estimates.h"
 #include "oracles/oracles.hpp"
 
 #include <cmath>
-#include <xmmintrin.h> // the estimates: what the processor says is the definition
 
 namespace {
 
@@ -113,9 +113,6 @@ void ArrayPairOpF64(double *out, const double *a, const double *b, uint32_t n)
     for (uint32_t i = 0; i < n; ++i)
         out[i] = a[i] * b[i];
 }
-
-float estimatedReciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
-float estimatedReciprocalRoot(float x) { return _mm_cvtss_f32(_mm_rsqrt_ss(_mm_set_ss(x))); }
 
 void ReciprocalF64(double *out, const double *in, uint32_t n)
 {

@@ -161,7 +161,7 @@ private:
     {
         const i32s alpha = get<alphaAt>(x);
         const f32s a = toFloat(alpha);
-        const f32s estimate = reciprocalEstimate(a);
+        const f32s estimate = approximateReciprocal(a);
         const f32s reciprocal = estimate * (splatF32(2) - a * estimate);
         const f32s scale = splatF32(255) * reciprocal;
         const f32s half = (toFloat(shiftRight<1>(alpha)) + splatF32(0.5f)) * reciprocal;

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "oracles/color/rules.h"
-
-#include <xmmintrin.h>
+#include "oracles/estimates.h"
 
 namespace {
 
@@ -71,10 +70,6 @@ template <class Dst, class Src> struct ToHsl {
     }
 };
 
-// The processor's approximation, of 12 bits or a few more: what it gives decides the last unit of a result, so nothing
-// else can stand here.
-inline float approximateReciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
-
 inline std::uint32_t bitsOf(float x)
 {
     std::uint32_t bits;
@@ -96,14 +91,14 @@ private:
     {
         if (largest == 0)
             return 0;
-        const float q = (static_cast<float>(least) * approximateReciprocal(static_cast<float>(largest))) * 255.0F;
+        const float q = (static_cast<float>(least) * estimatedReciprocal(static_cast<float>(largest))) * 255.0F;
         return limited(saturated16(truncated((255.0F + justBelowHalf) - q)), 0, 255);
     }
 
     // Where two components are the largest, two candidates hold and their bits are merged.
     static std::int32_t hue(std::int32_t r, std::int32_t g, std::int32_t b, std::int32_t largest, std::int32_t least)
     {
-        const float k = approximateReciprocal(static_cast<float>(largest - least)) * 60.0F;
+        const float k = estimatedReciprocal(static_cast<float>(largest - least)) * 60.0F;
         const float ofRed = static_cast<float>(g - b) * k;
         std::uint32_t merged = 0;
         if (largest == b)
